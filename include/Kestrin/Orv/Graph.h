@@ -1,0 +1,327 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_GRAPH_H
+#define KESTRIN_ORV_GRAPH_H
+
+#include <Kestrin/Orv/Export.h>
+
+#include <QtCore/QString>
+
+namespace Kestrin {
+namespace Orv {
+
+/// A tree of nodes with named input and output ports, and the edges between those ports.
+///
+/// Nodes, edges, ports and port groups are named by plain ints:
+/// - a *node ref* is a slot of the graph's node table, an *edge ref* a slot of its edge table;
+/// - a *port index* is a position in a node's input or output list, counted from 0 in each;
+/// - a *group ref* is a position in a node's list of group names.
+///
+/// Removing a node or an edge marks its slot and leaves it in place, so every other ref keeps its
+/// meaning. Only purge() renumbers, and it invalidates every node and edge ref.
+///
+/// There are three kinds of edge. The kind is worked out from the node tree each time:
+///
+///     regular   output of a node  -> input of a sibling       addEdge
+///     down      input of a node   -> input of its child       addDownEdge
+///     up        output of a child -> output of its parent     addUpEdge
+///
+/// So a node with children is a group: down edges carry what arrives at its inputs in to its
+/// children, up edges carry the children's results out to its outputs.
+///
+/// Every operation accepts every int. A query about something that does not exist answers as for
+/// nothing there: -1 for a ref, group, value or index, 0 for a count, false, or an empty string.
+/// An operation that makes something out of refs that do not name live nodes and existing ports
+/// answers -1 and changes nothing; one that changes or removes something that does not exist does
+/// nothing. A removed node or edge does not exist for the operations that change it, but the
+/// queries still answer with what its slot holds until the next purge().
+///
+/// A graph is used from one thread at a time, const queries included; distinct graphs are
+/// independent of each other. The only exception thrown is std::bad_alloc, and it leaves the graph
+/// as it was.
+class ORV_EXPORT Graph
+{
+public:
+    static const int kRootNodeRef = 0;      ///< the root, which every new graph holds
+    static const int kInvalidNodeRef = -1;  ///< no node
+    static const int kInvalidEdgeRef = -1;  ///< no edge
+    static const int kInvalidGroupRef = -1; ///< no group
+
+    /// Makes a graph that holds the root node alone: no name, no ports, value -1.
+    Graph();
+    ~Graph();
+    Graph(const Graph&) = delete;
+    Graph& operator=(const Graph&) = delete;
+
+    /// @name Tables and validity
+    /// All take constant time.
+    /// @{
+
+    /// Number of slots in the node table, removed nodes included.
+    int numNodesGlobal() const;
+    /// The node ref of a table slot: \p index itself, whatever it is.
+    int getNodeGlobal(int index) const;
+    /// Number of slots in the edge table, removed edges included.
+    int numEdgesGlobal() const;
+    /// The edge ref of a table slot: \p index itself, whatever it is.
+    int getEdgeGlobal(int index) const;
+
+    /// True when \p node is in the node table and not removed.
+    bool isValidNode(int node) const;
+    /// True when \p node is valid and has an input \p input.
+    bool isValidInput(int node, int input) const;
+    /// True when \p node is valid and has an output \p output.
+    bool isValidOutput(int node, int output) const;
+    /// True when \p node is valid and has a name for the input group \p group.
+    bool isValidInputGroup(int node, int group) const;
+    /// Always false: output groups have no names, see addOutputGroup().
+    bool isValidOutputGroup(int node, int group) const;
+    /// True when \p edge is in the edge table and not removed.
+    bool isValidEdge(int edge) const;
+    /// True when \p edge is valid and the nodes at its ends have the same parent.
+    bool isRegularEdge(int edge) const;
+    /// True when \p edge is valid and leaves the parent of the node that it enters.
+    bool isDownEdge(int edge) const;
+    /// True when \p edge is valid and enters the parent of the node that it leaves.
+    bool isUpEdge(int edge) const;
+    /// @}
+
+    /// @name Nodes
+    /// @{
+
+    /// Appends a node under \p parent, with value -1 and with unnamed, ungrouped ports; a port count
+    /// below zero makes none.
+    /// \return the new node's ref, or -1 when \p parent is not a valid node.
+    /// \throws std::bad_alloc when memory cannot hold the ports.
+    /// Constant time, amortised, and linear in the port counts. Refs stay as they are.
+    int addNode(const QString& name, int numInputs, int numOutputs, int parent);
+
+    /// Removes \p node, everything below it and every edge at their ports, and takes \p node off its
+    /// parent's list, so that later siblings move up one position. Their refs stay as they are.
+    /// Linear in the nodes and edges removed, plus the later siblings; no recursion.
+    void removeNode(int node);
+    /// As removeNode(), but leaves \p node on its parent's list: numNodes() still counts it and
+    /// getNode(), findNode() and findNodeFromValue() still find it. May be repeated.
+    void removeChildNode(int node);
+
+    /// The node's parent; -1 for the root. A removed node keeps its parent.
+    int parentNode(int node) const;
+    /// True when \p ancestor is the parent of \p node, or that parent's, and so on; no node contains
+    /// itself. Linear in the depth of \p node.
+    bool contains(int ancestor, int node) const;
+    /// Number of children of \p parent.
+    int numNodes(int parent) const;
+    /// The child at position \p index of \p parent, in the order in which they were added; -1 if none.
+    int getNode(int index, int parent) const;
+    /// The position of \p node among its parent's children; -1 if it is not listed there.
+    /// Linear in the number of siblings.
+    int indexOfNode(int node) const;
+    /// The first child of \p parent of this name, compared exactly; -1 if none. Names may repeat, and
+    /// grandchildren are not searched. Linear in the number of children.
+    int findNode(const QString& name, int parent) const;
+    /// The first child of \p parent of this value; -1 if none. Linear in the number of children.
+    int findNodeFromValue(int value, int parent) const;
+    /// The node's name.
+    QString nodeName(int node) const;
+    /// Replaces the node's name.
+    void setNodeName(int node, const QString& name);
+    /// The caller's integer. In a Renderer's graph, the index of the node's pass, or -1.
+    int nodeValue(int node) const;
+    /// Replaces the caller's integer.
+    void setNodeValue(int node, int value);
+    /// @}
+
+    /// @name Inputs
+    /// @{
+
+    /// Appends an input. Names may repeat, and \p group is kept as it is, named or not.
+    /// \return the port's index, or -1 when \p node is not valid. Constant time, amortised.
+    int addInput(int node, const QString& name, int group);
+    /// Deletes an input; the inputs after it move down one index. Its edges stay, and edges at later
+    /// inputs keep their old indices, which then name the port that has moved there. So disconnect
+    /// the port first, and remove only the last one while others are connected.
+    void removeInput(int node, int input);
+    int numInputs(int node) const;
+    /// The first input of this name, compared exactly; -1 if none. Linear in the number of inputs.
+    int findInput(int node, const QString& name) const;
+    QString inputName(int node, int input) const;
+    void setInputName(int node, int input, const QString& name);
+    /// The group that the input was added to; -1 for none. Not necessarily one that has a name.
+    int inputGroup(int node, int input) const;
+
+    /// Appends a group name; names may repeat.
+    /// \return the group's ref, or -1 when \p node is not valid. Constant time, amortised.
+    int addInputGroup(int node, const QString& name);
+    /// Takes every input of this group out of it, then deletes the group's name, if it has one.
+    /// Later names move down one position; the inputs of later groups keep their numbers.
+    void removeInputGroup(int node, int group);
+    int numInputGroups(int node) const;
+    /// The first input group of this name, compared exactly; -1 if none.
+    int findInputGroup(int node, const QString& name) const;
+    QString inputGroupName(int node, int group) const;
+    void setInputGroupName(int node, int group, const QString& name);
+    /// @}
+
+    /// @name Outputs
+    /// As for inputs, where nothing else is said.
+    /// @{
+    int addOutput(int node, const QString& name, int group);
+    void removeOutput(int node, int output);
+    int numOutputs(int node) const;
+    int findOutput(int node, const QString& name) const;
+    QString outputName(int node, int output) const;
+    void setOutputName(int node, int output, const QString& name);
+    int outputGroup(int node, int output) const;
+
+    /// Does what addInputGroup() does: the name joins the *input* group names, so input and output
+    /// groups are numbered in one sequence and findInputGroup() finds both. The list of output group
+    /// names stays empty for ever: the queries of the other output group operations find nothing.
+    int addOutputGroup(int node, const QString& name);
+    /// Takes every output of this group out of it. There is no name to delete.
+    void removeOutputGroup(int node, int group);
+    int numOutputGroups(int node) const;
+    int findOutputGroup(int node, const QString& name) const;
+    QString outputGroupName(int node, int group) const;
+    void setOutputGroupName(int node, int group, const QString& name);
+    /// @}
+
+    /// @name Making and removing edges
+    /// An input or output is fed by one edge at most; a fed one is never fed anew until it has been
+    /// disconnected. Ports feed any number of edges. Refs of other edges stay as they are.
+    /// @{
+
+    /// Makes a regular edge from an output to the input of a sibling.
+    /// \return the new edge's ref, or -1 when the input is fed already, when the oldest edge that
+    /// leaves the output is not a regular one, or when \p dstNode precedes \p srcNode (see
+    /// precedes()), so that the edge would close a cycle. That the nodes are siblings is not tested.
+    /// Takes the time of precedes(\p dstNode, \p srcNode, true).
+    int addEdge(int srcNode, int srcOutput, int dstNode, int dstInput);
+    /// Makes an up edge from a child's output to an output of its parent.
+    /// \return the new edge's ref, or -1 when the parent's output is fed already. Constant time.
+    int addUpEdge(int parentOutput, int childNode, int childOutput);
+    /// Makes a down edge from an input of the child's parent to an input of the child.
+    /// \return the new edge's ref, or -1 when the child's input is fed already. Constant time.
+    int addDownEdge(int parentInput, int childNode, int childInput);
+    /// Marks the edge removed and unhooks it from the ports at its ends; the positions of the port's
+    /// younger edges move up one. Which ports those are follows from the edge's kind as it is now.
+    /// Linear in the younger edges that leave the same port.
+    void removeEdge(int edge);
+    /// Removes the edge that feeds the input and every down edge that leaves it.
+    void disconnectInput(int node, int input);
+    /// disconnectInput() for every input of this group; -1 stands for the ungrouped ones.
+    void disconnectInputGroup(int node, int group);
+    /// @}
+
+    /// @name Connecting by name
+    /// Names are compared exactly and the first port of a name is taken; unnamed ports match each
+    /// other. Bulk operations go through the receiving ports in ascending order and ignore refusals:
+    /// no second port is tried. Each pair of ports is compared afresh, so the time is the product of
+    /// both port counts, plus that of the edges made.
+    /// @{
+
+    /// addEdge() between two ports found by name. A name that is not found is logged at critical
+    /// level, and the answer is -1.
+    int addEdgeByName(int srcNode, const QString& srcOutputName, int dstNode,
+                      const QString& dstInputName);
+    /// addUpEdge() between two ports found by name. Logs nothing.
+    int addUpEdgeByName(const QString& parentOutputName, int childNode,
+                        const QString& childOutputName);
+    /// addDownEdge() between two ports found by name. A node or a name that is not found is logged at
+    /// critical level, and the answer is -1.
+    int addDownEdgeByName(const QString& parentInputName, int childNode,
+                          const QString& childInputName);
+    /// Feeds every unfed input of \p dstNode from the first output of \p srcNode of the same name
+    /// whose oldest leaving edge, if any, is a regular one.
+    void connectByName(int srcNode, int dstNode);
+    /// Feeds the parent's outputs from the child's outputs of the same name. Left out are the child's
+    /// outputs that are fed from inside the child, and the parent's whose oldest leaving edge, if
+    /// any, is not an up edge.
+    void connectUpByName(int childNode);
+    /// Feeds every unfed input of the child from the first input of its parent of the same name whose
+    /// oldest leaving edge, if any, is a down edge.
+    void connectDownByName(int childNode);
+    /// connectByName() between the outputs of \p srcGroup and the inputs of \p dstGroup. Groups are
+    /// compared as plain numbers: -1 stands for the ungrouped ports.
+    void connectGroups(int srcNode, int srcGroup, int dstNode, int dstGroup);
+    /// connectGroups() of the groups of these names. A name that is not found stands for the
+    /// ungrouped ports; as output groups have no names, that is always so on the feeding side.
+    void connectNamedGroups(int srcNode, const QString& outputGroupName, int dstNode,
+                            const QString& inputGroupName);
+    /// @}
+
+    /// @name Edges of a port
+    /// All take constant time. The ends of a removed edge still answer.
+    /// @{
+    int edgeSourceNode(int edge) const;
+    /// The port that the edge leaves: an input for a down edge, otherwise an output.
+    int edgeSourceIndex(int edge) const;
+    int edgeDestNode(int edge) const;
+    /// The port that the edge enters: an output for an up edge, otherwise an input.
+    int edgeDestIndex(int edge) const;
+
+    /// The edge that feeds the input (regular or down); -1 if none.
+    int inputSource(int node, int input) const;
+    /// The up edge that feeds the output; -1 if none.
+    int outputSource(int node, int output) const;
+    /// Number of down edges that leave the input.
+    int numInputDestinations(int node, int input) const;
+    /// The down edge at position \p index, oldest first; -1 if none.
+    int inputDestination(int node, int input, int index) const;
+    bool isValidInputDestination(int node, int input, int index) const;
+    /// Number of regular and up edges that leave the output.
+    int numOutputDestinations(int node, int output) const;
+    /// The edge at position \p index, oldest first; -1 if none.
+    int outputDestination(int node, int output, int index) const;
+    bool isValidOutputDestination(int node, int output, int index) const;
+    /// @}
+
+    /// @name Walking against the flow of data
+    /// Each moves a (node, port) position in place and tells whether it moved. Constant time for each
+    /// group boundary crossed, no allocation. None moves from a port that does not exist.
+    /// @{
+
+    /// From an input, follows down edges back, out of any number of groups, to the outermost input
+    /// that they come from.
+    bool walkUp(int& node, int& port) const;
+    /// From an input, follows one regular edge back to the sibling's output that feeds it.
+    bool walkAcross(int& node, int& port) const;
+    /// From an output, follows up edges back, into any number of groups, to the innermost output that
+    /// produces the value.
+    bool walkDown(int& node, int& port) const;
+    /// From an input to the output that produces its value: walkUp(), walkAcross(), walkDown().
+    /// \return false when walkAcross() found no edge; the position is then the input that walkUp()
+    /// reached, one of the root's for what the whole graph takes from outside.
+    bool walkToSourceNode(int& node, int& port) const;
+    /// @}
+
+    /// @name The whole graph
+    /// @{
+
+    /// True when \p upstreamNode is \p downstreamNode or lies upstream of it.
+    /// \param followHierarchy false follows only regular edges that feed an input directly; true
+    /// traces every input as walkToSourceNode() does, which finds the producing node inside a group
+    /// and not the group.
+    /// Linear in the nodes and inputs upstream of \p downstreamNode, times the depth of the groups
+    /// crossed.
+    bool precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const;
+
+    /// Drops the removed slots from both tables and moves the others down. **Every node and edge ref
+    /// from before is meaningless afterwards**, but for the slots before the first removed one.
+    ///
+    /// Edges are renumbered soundly; the hierarchy is not. A node's parent stays the number that it
+    /// was, and each list of children becomes the new refs of the slots 0, 1, 2, ... up to its
+    /// length (-1 for a removed one). A host that goes on using the hierarchy after removing nodes
+    /// builds a new graph instead. Linear in everything the graph holds.
+    void purge();
+    /// @}
+
+private:
+    struct ORV_NO_EXPORT Impl;
+    Impl* impl;
+};
+
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,83 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_MEMORY_H
+#define KESTRIN_ORV_MEMORY_H
+
+#include <Kestrin/Orv/Export.h>
+
+#include <QtCore/QString>
+
+namespace Kestrin {
+namespace Orv {
+
+/// A read-only block of bytes that lends out ranges of itself.
+class ORV_EXPORT Memory
+{
+public:
+    virtual ~Memory();
+
+    /// The block's size in bytes.
+    virtual unsigned long size() const = 0;
+    /// Borrows \p size bytes from \p offset on, to be given back with release().
+    /// \return a pointer to the first byte; null when the range does not lie inside the block or
+    /// begins at its end.
+    virtual unsigned char* get(unsigned long offset, unsigned long size) = 0;
+    /// Gives back a pointer that get() returned; any other is ignored.
+    virtual void release(unsigned char* range) = 0;
+};
+
+/// A file whose ranges are mapped into memory one by one as they are asked for.
+///
+/// Whatever is not a regular file that can be read has size 0 and lends nothing; nothing is logged.
+/// The size is taken once, when the file is opened. **If the file shrinks afterwards, reading a
+/// mapped byte beyond its new end raises SIGBUS**: map only files that nobody truncates meanwhile.
+/// An object is used from one thread at a time.
+class ORV_EXPORT MemoryMappedFile : public Memory
+{
+public:
+    /// Opens the file for reading; size() tells whether that worked.
+    explicit MemoryMappedFile(const QString& path);
+    /// Closes the file and unmaps what was not released.
+    ~MemoryMappedFile() override;
+    MemoryMappedFile(const MemoryMappedFile&) = delete;
+    MemoryMappedFile& operator=(const MemoryMappedFile&) = delete;
+
+    unsigned long size() const override;
+    /// Makes a new mapping on each call, even of a range that is mapped already; valid until it is
+    /// released or this object is destroyed. Also null when the system refuses, as for 0 bytes.
+    unsigned char* get(unsigned long offset, unsigned long size) override;
+    void release(unsigned char* range) override;
+
+private:
+    struct ORV_NO_EXPORT MappedFileState;
+    MappedFileState* state;
+};
+
+/// A buffer on the heap that serves its own bytes.
+/// Concurrent get() calls on one object are harmless.
+class ORV_EXPORT RawMemory : public Memory
+{
+public:
+    /// Takes over \p buffer, made by array new, or null with \p size 0.
+    RawMemory(unsigned char* buffer, unsigned long size);
+    /// Frees the buffer with array delete.
+    ~RawMemory() override;
+    RawMemory(const RawMemory&) = delete;
+    RawMemory& operator=(const RawMemory&) = delete;
+
+    unsigned long size() const override;
+    /// A pointer into the buffer, valid until this object is destroyed.
+    unsigned char* get(unsigned long offset, unsigned long size) override;
+    /// Does nothing.
+    void release(unsigned char* range) override;
+
+private:
+    unsigned char* buffer;
+    quint64 bufferSize;
+};
+
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

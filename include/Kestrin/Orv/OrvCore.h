@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_ORVCORE_H
+#define KESTRIN_ORV_ORVCORE_H
+
+/// @file
+/// Everything that libOrvCore offers.
+
+#include <Kestrin/Orv/Core.h>
+#include <Kestrin/Orv/Export.h>
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Graphviz.h>
+#include <Kestrin/Orv/HistogramFrameTimes.h>
+#include <Kestrin/Orv/Memory.h>
+#include <Kestrin/Orv/ProfilerHelper.h>
+#include <Kestrin/Orv/RenderPass.h>
+#include <Kestrin/Orv/RenderPassHelper.h>
+#include <Kestrin/Orv/Renderer.h>
+#include <Kestrin/Orv/Walkers.h>
+
+#endif

@@ -1,0 +1,118 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_WALKERS_H
+#define KESTRIN_ORV_WALKERS_H
+
+#include <Kestrin/Orv/Export.h>
+
+#include <QtCore/QBitArray>
+
+namespace Kestrin {
+namespace Orv {
+
+class Graph;
+struct WalkFrame;
+
+/// @file
+/// Three iterators over a graph's nodes, used alike:
+///
+///     for (BottomUpInputWalker walker(graph, node, true); walker.valid(); walker.next())
+///         visit(walker.node());
+///
+/// A walker keeps a pointer to its graph, which must neither change nor go away while the walker is
+/// in use. After the last node valid() stays false, node() answers -1 and next() does nothing.
+///
+/// The input walkers take any start but -1, and yield one that is not in the graph alone. Their flag
+/// followHierarchy chooses, as in Graph::precedes(), how an input leads to a node: false follows only
+/// a regular edge that feeds the input directly; true traces the input through group boundaries to
+/// the node that produces its value.
+
+/// Visits all nodes that feed a start node, directly or not: each once, sources before the nodes that
+/// they feed, inputs in ascending order, the start node last. (Where edges have been wired into a
+/// cycle through the start node, it is yielded a second time.)
+///
+/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, one small frame
+/// per node on the current path, and one bit per node of the graph when nested nodes are reached.
+class ORV_EXPORT BottomUpInputWalker
+{
+public:
+    BottomUpInputWalker(const Graph& graph, int node, bool followHierarchy);
+    ~BottomUpInputWalker();
+    BottomUpInputWalker(const BottomUpInputWalker&) = delete;
+    BottomUpInputWalker& operator=(const BottomUpInputWalker&) = delete;
+
+    bool valid() const;
+    int node() const;
+    void next();
+
+private:
+    void moveNext();
+    void pop();
+    ORV_NO_EXPORT bool reach(int node);
+
+    const Graph* graph;
+    bool followHierarchy;
+    unsigned char* visited; // by node ref, for the refs below the number of the root's children
+    WalkFrame* stack;
+    int numVisited;            // length of `visited`
+    QBitArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
+};
+
+/// Visits the subtree of a start node: children before their parent and in their order, the start
+/// node last. Yields nothing when the start is not a valid node; below it, children that are removed
+/// but still listed are yielded like any other. Where the lists of children are no tree any more (see
+/// Graph::purge()), each node is yielded once.
+///
+/// Linear in the nodes reached. Allocates one bit per node of the graph and one small frame per node
+/// on the current path.
+class ORV_EXPORT BottomUpSubgraphWalker
+{
+public:
+    BottomUpSubgraphWalker(const Graph& graph, int node);
+    ~BottomUpSubgraphWalker();
+    BottomUpSubgraphWalker(const BottomUpSubgraphWalker&) = delete;
+    BottomUpSubgraphWalker& operator=(const BottomUpSubgraphWalker&) = delete;
+
+    bool valid() const;
+    int node() const;
+    void next();
+
+private:
+    void moveNext();
+    void pop();
+
+    const Graph* graph;
+    WalkFrame* stack;
+    QBitArray reached; // by node ref
+};
+
+/// Visits a start node and then all nodes that feed it, directly or not: each once, level by level,
+/// inputs in ascending order.
+///
+/// Linear in the nodes and inputs reached. Allocates, once, a byte and an int per node of the graph.
+class ORV_EXPORT BreadthFirstInputWalker
+{
+public:
+    BreadthFirstInputWalker(const Graph& graph, int node, bool followHierarchy);
+    ~BreadthFirstInputWalker();
+    BreadthFirstInputWalker(const BreadthFirstInputWalker&) = delete;
+    BreadthFirstInputWalker& operator=(const BreadthFirstInputWalker&) = delete;
+
+    bool valid() const;
+    int node() const;
+    void next();
+
+private:
+    const Graph* graph;
+    bool followHierarchy;
+    unsigned char* visited; // by node ref
+    int* queue;
+    int head;
+    int tail;
+};
+
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include <Kestrin/Orv/Core.h>
+
+#include "Diagnostics.h"
+
+#include <QtCore/QFileInfo>
+
+#include <memory>
+
+#include <unistd.h>
+
+namespace Kestrin {
+namespace Orv {
+
+namespace {
+
+// Both are known once they are not empty.
+QString cachedExecutablePath;
+QString cachedResourcesPath;
+
+} // namespace
+
+QString executablePath()
+{
+    if (!cachedExecutablePath.isEmpty())
+        return cachedExecutablePath;
+
+    constexpr std::size_t capacity = 65534;
+    const std::unique_ptr<char[]> buffer(new char[capacity + 1]);
+    const ssize_t length = readlink("/proc/self/exe", buffer.get(), capacity);
+    if (length < 0 || static_cast<std::size_t>(length) == capacity)
+        ORV_CRITICAL("Could not obtain executablePath");
+    // A path that was cut short is taken all the same.
+    buffer[length < 0 ? 0 : static_cast<std::size_t>(length)] = '\0';
+    cachedExecutablePath = QString::fromUtf8(buffer.get());
+    return cachedExecutablePath;
+}
+
+QString resourcesPath()
+{
+    if (cachedResourcesPath.isEmpty()) {
+        cachedResourcesPath
+            = QFileInfo(executablePath()).canonicalPath() + QStringLiteral("/Resources");
+    }
+    return cachedResourcesPath;
+}
+
+void setResourcesPath(const QString& path)
+{
+    cachedResourcesPath = path;
+}
+
+namespace CoreVersions {
+
+QString getVersion()
+{
+    return QStringLiteral("1.0.0");
+}
+
+QString getGitHash()
+{
+    return QStringLiteral("");
+}
+
+QString getMd5Sum()
+{
+    return QStringLiteral("1");
+}
+
+} // namespace CoreVersions
+
+} // namespace Orv
+} // namespace Kestrin

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_DIAGNOSTICS_H
+#define KESTRIN_ORV_DIAGNOSTICS_H
+
+#include <QtCore/QDebug>
+#include <QtCore/QMessageLogger>
+#include <QtCore/QString>
+
+#include <cstring>
+
+/// Log lines and soft assertions for the library's own sources.
+///
+/// ORV_DEBUG(format, ...) and ORV_CRITICAL(format, ...) emit one message "[File.cpp:line] ..." at
+/// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) emits, only when the condition is
+/// false, one critical message that quotes it; execution goes on either way. Formats are printf's;
+/// strings are passed in the local 8-bit encoding (qPrintable).
+
+namespace Kestrin {
+namespace Orv {
+namespace Diagnostics {
+
+/// The logger behind every message. The source position travels in the text, so the context has none;
+/// it does have a category, which a default-constructed logger lacks.
+inline QMessageLogger logger()
+{
+    return QMessageLogger(nullptr, 0, nullptr, "default");
+}
+
+/// A source file's name without its directories.
+inline const char* baseName(const char* path)
+{
+    const char* slash = std::strrchr(path, '/');
+    return slash ? slash + 1 : path;
+}
+
+/// The text of a failed assertion. A "%" in the condition is shown as "\%".
+inline QString assertionText(const char* condition, const QString& message)
+{
+    QString text = QString::fromUtf8(condition);
+    text.replace(QLatin1Char('%'), QLatin1String("\\%"));
+    return QString::asprintf("[ !! ] Assertion '%s' failed: %s", text.toLocal8Bit().constData(),
+                             message.toLocal8Bit().constData());
+}
+
+} // namespace Diagnostics
+} // namespace Orv
+} // namespace Kestrin
+
+/// `text` is a QString that never serves as a format itself.
+#define ORV_LOG_LINE(level, text)                                                                  \
+    Kestrin::Orv::Diagnostics::logger().level("[%s:%d] %s",                                        \
+                                              Kestrin::Orv::Diagnostics::baseName(__FILE__),       \
+                                              __LINE__, (text).toLocal8Bit().constData())
+
+#define ORV_DEBUG(...) ORV_LOG_LINE(debug, QString::asprintf(__VA_ARGS__))
+#define ORV_CRITICAL(...) ORV_LOG_LINE(critical, QString::asprintf(__VA_ARGS__))
+
+#define ORV_ASSERT(condition, ...)                                                                 \
+    do {                                                                                           \
+        if (!(condition))                                                                          \
+            ORV_LOG_LINE(critical,                                                                 \
+                         Kestrin::Orv::Diagnostics::assertionText(                                 \
+                             #condition, QString::asprintf(__VA_ARGS__)));                         \
+    } while (false)
+
+#endif

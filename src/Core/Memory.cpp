@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include <Kestrin/Orv/Memory.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+namespace Kestrin {
+namespace Orv {
+
+namespace {
+
+/// Whether a range lies inside a block and begins before its end. No sum, so nothing overflows.
+bool isInside(quint64 blockSize, quint64 offset, quint64 size)
+{
+    return offset < blockSize && size <= blockSize - offset;
+}
+
+} // namespace
+
+Memory::~Memory() = default;
+
+struct MemoryMappedFile::MappedFileState
+{
+    explicit MappedFileState(const QString& path)
+        : file(path)
+        , fileSize(0)
+    {
+    }
+
+    QFile file;
+    quint64 fileSize; // as it was when the file was opened
+};
+
+MemoryMappedFile::MemoryMappedFile(const QString& path)
+    : state(new MappedFileState(path))
+{
+    // Only regular files: opening a FIFO would wait for its writer.
+    if (QFileInfo(state->file).isFile() && state->file.open(QIODevice::ReadOnly))
+        state->fileSize = static_cast<quint64>(state->file.size());
+}
+
+MemoryMappedFile::~MemoryMappedFile()
+{
+    delete state;
+}
+
+unsigned long MemoryMappedFile::size() const
+{
+    return state->fileSize;
+}
+
+unsigned char* MemoryMappedFile::get(unsigned long offset, unsigned long size)
+{
+    if (!isInside(state->fileSize, offset, size))
+        return nullptr;
+    return state->file.map(static_cast<qint64>(offset), static_cast<qint64>(size));
+}
+
+void MemoryMappedFile::release(unsigned char* range)
+{
+    state->file.unmap(range);
+}
+
+RawMemory::RawMemory(unsigned char* bytes, unsigned long size)
+    : buffer(bytes)
+    , bufferSize(size)
+{
+}
+
+RawMemory::~RawMemory()
+{
+    delete[] buffer;
+}
+
+unsigned long RawMemory::size() const
+{
+    return bufferSize;
+}
+
+unsigned char* RawMemory::get(unsigned long offset, unsigned long size)
+{
+    return isInside(bufferSize, offset, size) ? buffer + offset : nullptr;
+}
+
+void RawMemory::release(unsigned char*) { }
+
+} // namespace Orv
+} // namespace Kestrin

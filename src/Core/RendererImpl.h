@@ -1,0 +1,62 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_RENDERERIMPL_H
+#define KESTRIN_ORV_RENDERERIMPL_H
+
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Renderer.h>
+
+#include <QtCore/QList>
+#include <QtCore/QVector>
+
+#include <vector>
+
+namespace Kestrin {
+namespace Orv {
+
+/// What a renderer owns, and the steps of its setup and of its frames.
+///
+/// Passes may call back into the renderer from any of their operations. So nothing here keeps a
+/// reference or an iterator into a list across a call to a pass; loops count and ask for the size anew.
+struct Renderer::Impl
+{
+    QList<QVariant> parameters; // by index of the root's input
+    QList<QVariant> outputs;    // by index of the root's output
+    QList<RenderPass*> passes;  // by pass index, which is the value of the pass's node; owned
+    Graph graph;
+    QList<bool> passEnabled; // by pass index
+    bool needsSetup = false;
+    int target = Graph::kInvalidNodeRef;
+    QVector<int> executionOrder; // node refs
+    int passesRendered = 0;
+    QVector<int> startedPasses; // node refs, in the order of their first start
+    bool newPassStartedThisFrame = false;
+    bool staggeredFirstFrame = false;
+    std::vector<bool> startedFlags; // the content of startedPasses, by node ref
+
+    ~Impl();
+
+    int addPass(RenderPass* pass);
+    bool hasPass(int index) const { return index >= 0 && index < passes.size(); }
+    RenderPass* passOf(int node) const;
+    RenderPass* enabledPassOf(int node) const;
+
+    /// Appends the passes that `node` needs, and then its own, to the execution order.
+    /// `visited` holds a flag per node; what is flagged already has been dealt with.
+    ORV_EXPORT void walk(int node, RenderCallbacks* callbacks, QVector<bool>& visited);
+    /// Number of consumers of an output among the visited nodes.
+    ORV_EXPORT int getActiveOutputUsers(int node, int output, const QVector<bool>& visited);
+    /// Sets every input of the pass of `node` to a parameter, an upstream output or its default.
+    ORV_EXPORT void setRenderPassInputs(int node);
+    /// Runs the pass of `node` in this frame; false when it failed.
+    ORV_EXPORT bool render(int node, RenderCallbacks* callbacks);
+
+    bool wasStarted(int node) const;
+    void rememberStarted(int node);
+};
+
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,237 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Walkers.h>
+
+#include "WalkFrame.h"
+
+namespace Kestrin {
+namespace Orv {
+
+namespace {
+
+/// The node that feeds an input, or -1.
+int feedingNode(const Graph& graph, int node, int input, bool followHierarchy)
+{
+    const bool fed = followHierarchy ? graph.walkToSourceNode(node, input)
+                                     : graph.walkAcross(node, input);
+    return fed ? node : Graph::kInvalidNodeRef;
+}
+
+void push(WalkFrame*& stack, int node)
+{
+    stack = new WalkFrame { node, 0, stack };
+}
+
+void popFrom(WalkFrame*& stack)
+{
+    WalkFrame* top = stack;
+    stack = top->below;
+    delete top;
+}
+
+void popAll(WalkFrame*& stack)
+{
+    while (stack)
+        popFrom(stack);
+}
+
+} // namespace
+
+// BottomUpInputWalker
+
+BottomUpInputWalker::BottomUpInputWalker(const Graph& graphToWalk, int node, bool follow)
+    : graph(&graphToWalk)
+    , followHierarchy(follow)
+    , visited(nullptr)
+    , stack(nullptr)
+    , numVisited(0)
+{
+    if (node == Graph::kInvalidNodeRef)
+        return;
+    try {
+        numVisited = graph->numNodes(Graph::kRootNodeRef);
+        visited = new unsigned char[static_cast<std::size_t>(numVisited)]();
+        push(stack, node);
+        moveNext();
+    } catch (...) {
+        popAll(stack);
+        delete[] visited;
+        throw;
+    }
+}
+
+BottomUpInputWalker::~BottomUpInputWalker()
+{
+    popAll(stack);
+    delete[] visited;
+}
+
+bool BottomUpInputWalker::valid() const
+{
+    return stack != nullptr;
+}
+
+int BottomUpInputWalker::node() const
+{
+    return stack ? stack->node : Graph::kInvalidNodeRef;
+}
+
+void BottomUpInputWalker::next()
+{
+    if (!stack)
+        return;
+    pop();
+    moveNext();
+}
+
+void BottomUpInputWalker::moveNext()
+{
+    while (stack && stack->nextIndex < graph->numInputs(stack->node)) {
+        const int source = feedingNode(*graph, stack->node, stack->nextIndex++, followHierarchy);
+        if (reach(source))
+            push(stack, source);
+    }
+}
+
+void BottomUpInputWalker::pop()
+{
+    popFrom(stack);
+}
+
+/// Marks a node reached; false when it was already, or when it is not in the graph.
+bool BottomUpInputWalker::reach(int node)
+{
+    if (node < 0 || node >= graph->numNodesGlobal())
+        return false;
+    if (node < numVisited) {
+        if (visited[node])
+            return false;
+        visited[node] = 1;
+        return true;
+    }
+    if (visitedElsewhere.isEmpty())
+        visitedElsewhere.resize(graph->numNodesGlobal());
+    if (visitedElsewhere.testBit(node))
+        return false;
+    visitedElsewhere.setBit(node);
+    return true;
+}
+
+// BottomUpSubgraphWalker
+
+BottomUpSubgraphWalker::BottomUpSubgraphWalker(const Graph& graphToWalk, int node)
+    : graph(&graphToWalk)
+    , stack(nullptr)
+{
+    if (!graph->isValidNode(node))
+        return;
+    try {
+        reached.resize(graph->numNodesGlobal());
+        reached.setBit(node);
+        push(stack, node);
+        moveNext();
+    } catch (...) {
+        popAll(stack);
+        throw;
+    }
+}
+
+BottomUpSubgraphWalker::~BottomUpSubgraphWalker()
+{
+    popAll(stack);
+}
+
+bool BottomUpSubgraphWalker::valid() const
+{
+    return stack != nullptr;
+}
+
+int BottomUpSubgraphWalker::node() const
+{
+    return stack ? stack->node : Graph::kInvalidNodeRef;
+}
+
+void BottomUpSubgraphWalker::next()
+{
+    if (!stack)
+        return;
+    pop();
+    moveNext();
+}
+
+void BottomUpSubgraphWalker::moveNext()
+{
+    while (stack && stack->nextIndex < graph->numNodes(stack->node)) {
+        const int child = graph->getNode(stack->nextIndex++, stack->node);
+        if (child < 0 || child >= reached.size() || reached.testBit(child))
+            continue;
+        reached.setBit(child);
+        push(stack, child);
+    }
+}
+
+void BottomUpSubgraphWalker::pop()
+{
+    popFrom(stack);
+}
+
+// BreadthFirstInputWalker
+
+BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int node, bool follow)
+    : graph(&graphToWalk)
+    , followHierarchy(follow)
+    , visited(nullptr)
+    , queue(nullptr)
+    , head(0)
+    , tail(0)
+{
+    const auto numNodes = static_cast<std::size_t>(graph->numNodesGlobal());
+    visited = new unsigned char[numNodes]();
+    try {
+        queue = new int[numNodes + 1];
+    } catch (...) {
+        delete[] visited;
+        throw;
+    }
+    if (node == Graph::kInvalidNodeRef)
+        return;
+    if (node >= 0 && node < graph->numNodesGlobal())
+        visited[node] = 1;
+    queue[tail++] = node;
+}
+
+BreadthFirstInputWalker::~BreadthFirstInputWalker()
+{
+    delete[] queue;
+    delete[] visited;
+}
+
+bool BreadthFirstInputWalker::valid() const
+{
+    return head < tail;
+}
+
+int BreadthFirstInputWalker::node() const
+{
+    return valid() ? queue[head] : Graph::kInvalidNodeRef;
+}
+
+void BreadthFirstInputWalker::next()
+{
+    if (!valid())
+        return;
+    const int node = queue[head++];
+    const int numInputs = graph->numInputs(node);
+    for (int input = 0; input < numInputs; ++input) {
+        const int source = feedingNode(*graph, node, input, followHierarchy);
+        if (source < 0 || source >= graph->numNodesGlobal() || visited[source])
+            continue;
+        visited[source] = 1;
+        queue[tail++] = source;
+    }
+}
+
+} // namespace Orv
+} // namespace Kestrin
