@@ -54,8 +54,7 @@ public:
 
     void start(RenderCallbacks*) override
     {
-        const QString current = inputs[0].value.toString().leftJustified(width);
-        QString row = current;
+        QString row = inputs[0].value.toString().leftJustified(width);
         for (int x = 0; x < width; ++x) {
             if (row[x] == QLatin1Char(' '))
                 row[x] = faded(last[x]);
