@@ -68,7 +68,7 @@ TEST(Snippets, EverySlotIsVisitedButTheRemovedOnes)
     }
     //! [table]
 
-    EXPECT_EQ(visited, (std::vector<int> { Graph::kRootNodeRef, kept }));
+    EXPECT_EQ(visited, (std::vector<int>{Graph::kRootNodeRef, kept}));
 }
 
 TEST(Snippets, TheWalkerYieldsSourcesFirst)
@@ -90,7 +90,7 @@ TEST(Snippets, TheWalkerYieldsSourcesFirst)
         visit(walker.node());
     //! [walker]
 
-    EXPECT_EQ(visited, (std::vector<int> { w, x, y, node }));
+    EXPECT_EQ(visited, (std::vector<int>{w, x, y, node}));
 }
 
 TEST(Snippets, TheTopLevelIsWrittenAsGraphviz)
