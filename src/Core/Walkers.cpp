@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>
 
+#include "GraphImpl.h"
 #include "WalkFrame.h"
 
 namespace Kestrin {
@@ -11,17 +12,9 @@ namespace Orv {
 
 namespace {
 
-/// The node that feeds an input, or -1.
-int feedingNode(const Graph& graph, int node, int input, bool followHierarchy)
-{
-    const bool fed = followHierarchy ? graph.walkToSourceNode(node, input)
-                                     : graph.walkAcross(node, input);
-    return fed ? node : Graph::kInvalidNodeRef;
-}
-
 void push(WalkFrame*& stack, int node)
 {
-    stack = new WalkFrame { node, 0, stack };
+    stack = new WalkFrame{node, 0, stack};
 }
 
 void popFrom(WalkFrame*& stack)
@@ -88,9 +81,10 @@ void BottomUpInputWalker::next()
 
 void BottomUpInputWalker::moveNext()
 {
-    while (stack && stack->nextIndex < graph->numInputs(stack->node)) {
-        const int source = feedingNode(*graph, stack->node, stack->nextIndex++, followHierarchy);
-        if (reach(source))
+    const GraphTables& tables = tablesOf(*graph);
+    while (stack && stack->nextIndex < tables.node(stack->node).inputs.size()) {
+        const int source = tables.feedingNode(stack->node, stack->nextIndex++, followHierarchy);
+        if (source != Graph::kInvalidNodeRef && reach(source))
             push(stack, source);
     }
 }
@@ -100,11 +94,9 @@ void BottomUpInputWalker::pop()
     popFrom(stack);
 }
 
-/// Marks a node reached; false when it was already, or when it is not in the graph.
+/// Marks a node of the graph reached; false when it was already.
 bool BottomUpInputWalker::reach(int node)
 {
-    if (node < 0 || node >= graph->numNodesGlobal())
-        return false;
     if (node < numVisited) {
         if (visited[node])
             return false;
@@ -223,10 +215,11 @@ void BreadthFirstInputWalker::next()
     if (!valid())
         return;
     const int node = queue[head++];
-    const int numInputs = graph->numInputs(node);
+    const GraphTables& tables = tablesOf(*graph);
+    const int numInputs = tables.node(node).inputs.size();
     for (int input = 0; input < numInputs; ++input) {
-        const int source = feedingNode(*graph, node, input, followHierarchy);
-        if (source < 0 || source >= graph->numNodesGlobal() || visited[source])
+        const int source = tables.feedingNode(node, input, followHierarchy);
+        if (source == Graph::kInvalidNodeRef || visited[source])
             continue;
         visited[source] = 1;
         queue[tail++] = source;
