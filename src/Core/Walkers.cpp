@@ -105,7 +105,7 @@ bool BottomUpInputWalker::reach(int node)
     }
     if (visitedElsewhere.isEmpty())
         visitedElsewhere.resize(graph->numNodesGlobal());
-    if (visitedElsewhere.testBit(node))
+    if (node >= visitedElsewhere.size() || visitedElsewhere.testBit(node))
         return false;
     visitedElsewhere.setBit(node);
     return true;
@@ -178,18 +178,18 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     , queue(nullptr)
     , head(0)
     , tail(0)
+    , numNodes(graph->numNodesGlobal())
 {
-    const auto numNodes = static_cast<std::size_t>(graph->numNodesGlobal());
-    visited = new unsigned char[numNodes]();
+    visited = new unsigned char[static_cast<std::size_t>(numNodes)]();
     try {
-        queue = new int[numNodes + 1];
+        queue = new int[static_cast<std::size_t>(numNodes) + 1];
     } catch (...) {
         delete[] visited;
         throw;
     }
     if (node == Graph::kInvalidNodeRef)
         return;
-    if (node >= 0 && node < graph->numNodesGlobal())
+    if (node >= 0 && node < numNodes)
         visited[node] = 1;
     queue[tail++] = node;
 }
@@ -219,7 +219,7 @@ void BreadthFirstInputWalker::next()
     const int numInputs = tables.node(node).inputs.size();
     for (int input = 0; input < numInputs; ++input) {
         const int source = tables.feedingNode(node, input, followHierarchy);
-        if (source == Graph::kInvalidNodeRef || visited[source])
+        if (source < 0 || source >= numNodes || visited[source])
             continue;
         visited[source] = 1;
         queue[tail++] = source;

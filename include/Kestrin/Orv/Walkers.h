@@ -110,6 +110,7 @@ private:
     int* queue;
     int head;
     int tail;
+    int numNodes; // length of `visited`
 };
 
 } // namespace Orv
