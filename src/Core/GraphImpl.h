@@ -75,7 +75,7 @@ bool hasIndex(const QVector<T>& list, int index)
 /// What stands for a missing entry of a list: an empty record, an empty name or, in a list of refs,
 /// -1.
 template<typename T>
-const T& nothing()
+Q_NEVER_INLINE const T& nothing()
 {
     static const T none{};
     return none;
