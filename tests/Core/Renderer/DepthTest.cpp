@@ -8,6 +8,8 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Renderer.h>
 
+#include <QtCore/QVector>
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -94,21 +96,21 @@ TEST(Depth, ChainThroughNestedGroupsSetsUpAndRenders)
         Renderer renderer;
         Graph& graph = *renderer.getGraph();
         renderer.addOutput(QString());
+        QVector<int> passes;
+        QVector<int> groups;
         int parent = Graph::kRootNodeRef;
-        int feeding = -1;
         for (int i = 0; i < depth; ++i) {
-            const int pass = renderer.addPass(QString(), new LightPass(1, 1), parent);
-            if (feeding >= 0)
-                graph.addDownEdge(0, pass, 0);
-            const int group = renderer.addGroup(QString(), 1, 1, parent);
-            graph.addEdge(pass, 0, group, 0);
-            graph.addUpEdge(0, group, 0);
-            feeding = pass;
-            parent = group;
+            passes.append(renderer.addPass(QString(), new LightPass(1, 1), parent));
+            groups.append(renderer.addGroup(QString(), 1, 1, parent));
+            parent = groups.last();
         }
-        const int last = renderer.addPass(QString(), new LightPass(1, 1), parent);
-        graph.addDownEdge(0, last, 0);
-        graph.addUpEdge(0, last, 0);
+        passes.append(renderer.addPass(QString(), new LightPass(1, 1), parent));
+        graph.addUpEdge(0, passes.last(), 0);
+        for (int i = depth - 1; i >= 0; --i) {
+            graph.addUpEdge(0, groups[i], 0);
+            graph.addDownEdge(0, passes[i + 1], 0);
+            graph.addEdge(passes[i], 0, groups[i], 0);
+        }
 
         renderer.setup(nullptr);
         EXPECT_TRUE(renderer.render(nullptr));
