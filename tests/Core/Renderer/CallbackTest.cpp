@@ -292,6 +292,18 @@ TEST(CallBackDuring, StartSwitchingTheStaggeredFrameOffIsNotRemembered)
     EXPECT_EQ(s.frame(), "A.start(7) B.skip(7)");
 }
 
+TEST(CallBackDuring, StartSwitchingTheStaggeredFrameOnHoldsTheNextPassBack)
+{
+    Scene s;
+    const int parameter = s.staggered(false);
+    const int a = s.chain(2);
+    s.setup();
+    onFirst(s, a, "start", [&s, parameter] { s.renderer.setParameter(parameter, true); });
+    s.log.keepOnly("start skip");
+    EXPECT_EQ(s.frame(), "A.start(7) B.skip(7)");
+    EXPECT_EQ(s.frame(), "A.start(7) B.start(7)");
+}
+
 TEST(CallBackDuring, StartAddPassLeavesTheFrameAsItWas)
 {
     Scene s;
@@ -326,6 +338,23 @@ TEST(CallBackDuring, SetupSetupSetsUpTheOldOrderAfterTheNew)
     EXPECT_EQ(s.log.take(),
               "A.setup(7) A.teardown(8) B.teardown(8) A.setup(8) B.setup(8) B.setup(7)");
     EXPECT_EQ(s.order(), "A B");
+}
+
+TEST(CallBackDuring, SetupOfAnotherOrderLeavesTheOuterSetupItsOwn)
+{
+    Scene s;
+    const int a = s.chain(3);
+    onFirst(s, a, "setup", [&s, a] {
+        const int n = s.pass("N", 0, 1);
+        s.edge(n, 0, a, 0);
+        s.setup(8);
+    });
+    s.log.keepOnly("setup");
+    s.setup();
+    EXPECT_EQ(s.log.take(),
+              "A.setup(7) N.setup(8) A.setup(8) B.setup(8) C.setup(8) "
+              "B.setup(7) C.setup(7)");
+    EXPECT_EQ(s.order(), "N A B C");
 }
 
 TEST(CallBackDuring, SetupSeesItsCountsAndInputs)

@@ -286,6 +286,17 @@ TEST(Frames, OutputWithoutAProducerKeepsItsValue)
     EXPECT_EQ(s.renderer.output(1), text("B0#2"));
 }
 
+TEST(Frames, OutputWithoutAProducerIsNotTakenFromTheRoot)
+{
+    Scene s;
+    const int a = s.chain(1);
+    const int unfed = s.output();
+    s.graph.setNodeValue(Graph::kRootNodeRef, s.graph.nodeValue(a));
+    s.setup();
+    s.render();
+    EXPECT_FALSE(s.renderer.output(unfed).isValid());
+}
+
 TEST(Frames, OutputFedByAGroupThatLeadsNowhereKeepsItsValue)
 {
     Scene s;

@@ -95,6 +95,29 @@ TEST(Scheduling, OutputsThatNothingProducesArePassedOver)
     EXPECT_EQ(s.order(), "A");
 }
 
+TEST(Scheduling, OutputsThatNothingProducesDoNotLeadToTheRoot)
+{
+    Scene s;
+    s.pass("A", 0, 1);
+    s.output();
+    s.graph.setNodeValue(Graph::kRootNodeRef, 0);
+    s.setup();
+    EXPECT_EQ(s.order(), "");
+}
+
+TEST(Scheduling, UnfedInputOfAGroupDoesNotLeadToTheGroup)
+{
+    // The group is a pass itself here, so that it would run if it were visited.
+    Scene s;
+    const int p = s.pass("P", 1, 1);
+    const int x = s.pass("X", 1, 1, p);
+    s.down(0, x, 0);
+    s.up(x, 0, 0);
+    s.up(p, 0, s.output());
+    s.setup();
+    EXPECT_EQ(s.order(), "X");
+}
+
 TEST(Scheduling, NothingWiredSchedulesNothing)
 {
     Scene s;

@@ -12,6 +12,18 @@
 
 using namespace Kestrin::Orv;
 
+// The sanitizers end the program at an allocation that cannot succeed, unless told otherwise.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+extern "C" const char* __tsan_default_options();
+extern "C" const char* __tsan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+
 namespace {
 
 /// Two passes in a chain, a group and a removed pass. All wild nodes are ints that name no live

@@ -369,6 +369,20 @@ TEST(UserCounts, TwoOutputsOfOneGroupAreCountedEach)
     EXPECT_EQ(users(s, x, 0, {b, g}), 4) << "the group counts for each of the two edges";
 }
 
+TEST(UserCounts, OnlyTheOutputOfTheGroupThatIsFedIsLookedAt)
+{
+    Scene s;
+    const int g = s.group("G", 0, 2);
+    const int x = s.pass("X", 0, 1, g);
+    const int b = s.pass("B", 1, 1);
+    const int c = s.pass("C", 1, 1);
+    s.up(x, 0, 1);
+    s.edge(g, 0, b, 0);
+    s.edge(g, 1, c, 0);
+    EXPECT_EQ(users(s, x, 0, {b}), 0);
+    EXPECT_EQ(users(s, x, 0, {c}), 1);
+}
+
 TEST(UserCounts, ConsumersBeyondTheSecondGroupAreNotSeen)
 {
     Scene s;
