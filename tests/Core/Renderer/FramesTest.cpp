@@ -289,8 +289,8 @@ TEST(Frames, OutputWithoutAProducerKeepsItsValue)
 TEST(Frames, OutputWithoutAProducerIsNotTakenFromTheRoot)
 {
     Scene s;
-    const int a = s.chain(1);
     const int unfed = s.output();
+    const int a = s.chain(1);
     s.graph.setNodeValue(Graph::kRootNodeRef, s.graph.nodeValue(a));
     s.setup();
     s.render();
