@@ -404,6 +404,24 @@ TEST(Frames, ExceptionOfAPassReachesTheCallerAndTheNextFrameStartsAfresh)
     EXPECT_EQ(s.renderer.getNumPasses(), 2);
 }
 
+TEST(Frames, ExceptionInARerunSetupLeavesItToTheNextFrame)
+{
+    Scene s;
+    const int a = s.chain(1);
+    s.setup();
+    bool throws = true;
+    s.at(a).onCall = [&throws](const std::string& operation) {
+        if (operation == "setup" && throws)
+            throw std::runtime_error("no memory on the device");
+    };
+    s.renderer.setEnabled(a, true);
+    EXPECT_THROW(s.render(), std::runtime_error);
+    throws = false;
+    s.log.keepOnly("setup start");
+    EXPECT_EQ(s.frame(), "A.setup(7) A.start(7)");
+    EXPECT_EQ(s.frame(), "A.start(7)");
+}
+
 TEST(NeedsSetup, SetEnabledMakesTheNextFrameSetUpAnew)
 {
     Scene s;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 
 using namespace Kestrin::Orv;
 
@@ -481,6 +482,22 @@ TEST(PassOwnership, TeardownAndRemovalOfTheNodeLeaveThePassAlive)
         renderer.teardown(nullptr);
         renderer.getGraph()->removeNode(node);
         EXPECT_EQ(log.take(), "A.teardown(0)");
+    }
+    EXPECT_EQ(log.take(), "A.delete");
+}
+
+TEST(PassOwnership, PassThatThrowsWhileRegisteringIsOwned)
+{
+    CallLog log;
+    {
+        Renderer renderer;
+        auto* pass = new RecordingPass(log, "A", 1, 1);
+        pass->onCall = [](const std::string& operation) {
+            if (operation == "inputName")
+                throw std::runtime_error("no name");
+        };
+        EXPECT_THROW(renderer.addPass(QString(), pass, 0), std::runtime_error);
+        log.take();
     }
     EXPECT_EQ(log.take(), "A.delete");
 }
