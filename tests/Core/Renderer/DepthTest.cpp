@@ -92,7 +92,7 @@ TEST(Depth, ChainThroughNestedGroupsSetsUpAndRenders)
 {
     // Each group holds a pass and the next group, which the pass feeds.
     onSmallStack([] {
-        const int depth = 20000;
+        const int depth = 5000;
         Renderer renderer;
         Graph& graph = *renderer.getGraph();
         renderer.addOutput(QString());
