@@ -22,8 +22,8 @@
 /// 5. Slots are never reused: tables never shrink, what is removed stays removed, and parents and
 ///    the ends of edges never change.
 ///
-/// removeInput(), removeOutput(), purge() and addEdge() between nodes that are no siblings may break
-/// the rules; nothing else does.
+/// removeInput(), removeOutput(), purge() and addEdge() between nodes that are no siblings may
+/// break the rules; nothing else does.
 class GraphInvariants
 {
 public:
@@ -103,14 +103,17 @@ private:
             for (const int destination : destinations(left))
                 listed += destination == edge;
             if (listed != 1)
-                violated(1, "edge " + toString(edge) + " stands " + toString(listed)
+                violated(1,
+                         "edge " + toString(edge) + " stands " + toString(listed)
                              + " times in the destinations of " + toString(left));
             const Port entered = portEntered(edge);
             if (source(entered) != edge)
-                violated(1, "edge " + toString(edge) + " is not the source of " + toString(entered));
+                violated(1,
+                         "edge " + toString(edge) + " is not the source of " + toString(entered));
             const auto [other, first] = feeding.emplace(entered, edge);
             if (!first)
-                violated(2, "edges " + toString(other->second) + " and " + toString(edge) + " enter "
+                violated(2,
+                         "edges " + toString(other->second) + " and " + toString(edge) + " enter "
                              + toString(entered));
         }
     }
@@ -128,11 +131,13 @@ private:
     {
         const int feeding = source(port);
         if (feeding != -1 && !(graph.isValidEdge(feeding) && portEntered(feeding) == port))
-            violated(1, toString(port) + " names the source " + toString(feeding)
+            violated(1,
+                     toString(port) + " names the source " + toString(feeding)
                          + ", which does not enter it");
         for (const int edge : destinations(port)) {
             if (!(graph.isValidEdge(edge) && portLeft(edge) == port))
-                violated(1, toString(port) + " names the destination " + toString(edge)
+                violated(1,
+                         toString(port) + " names the destination " + toString(edge)
                              + ", which does not leave it");
         }
     }
@@ -151,14 +156,16 @@ private:
             for (int i = 0; i < graph.numNodes(parent); ++i)
                 listed += graph.getNode(i, parent) == node;
             if (graph.isValidNode(node) ? listed != 1 : listed > 1)
-                violated(3, "node " + toString(node) + " stands " + toString(listed)
+                violated(3,
+                         "node " + toString(node) + " stands " + toString(listed)
                              + " times among the children of " + toString(parent));
         }
         for (int parent = 0; parent < graph.numNodesGlobal(); ++parent) {
             for (int i = 0; i < graph.numNodes(parent); ++i) {
                 const int child = graph.getNode(i, parent);
                 if (graph.parentNode(child) != parent)
-                    violated(3, "node " + toString(child) + " stands among the children of "
+                    violated(3,
+                             "node " + toString(child) + " stands among the children of "
                                  + toString(parent) + ", which is not its parent");
             }
         }
@@ -170,7 +177,8 @@ private:
             const int parent = graph.parentNode(node);
             if (graph.isValidNode(node)) {
                 if (parent != -1 && !graph.isValidNode(parent))
-                    violated(4, "node " + toString(node) + " lives under the removed node "
+                    violated(4,
+                             "node " + toString(node) + " lives under the removed node "
                                  + toString(parent));
                 continue;
             }
@@ -179,7 +187,8 @@ private:
             for (int edge = 0; edge < graph.numEdgesGlobal(); ++edge) {
                 if (graph.isValidEdge(edge)
                     && (graph.edgeSourceNode(edge) == node || graph.edgeDestNode(edge) == node))
-                    violated(4, "the removed node " + toString(node) + " has the edge "
+                    violated(4,
+                             "the removed node " + toString(node) + " has the edge "
                                  + toString(edge));
             }
         }

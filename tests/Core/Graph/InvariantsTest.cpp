@@ -51,7 +51,8 @@ TEST(GraphInvariants, HoldWhenNodesAndEdgesAreRemoved)
     EXPECT_THAT(invariants.check(), IsEmpty());
 }
 
-// The checker itself: what it finds. Only the operations with known side effects can bring it about.
+// The checker itself: what it finds. Only the operations with known side effects can bring it
+// about.
 
 TEST(GraphInvariants, AreBrokenByRemovingAConnectedInput)
 {

@@ -33,9 +33,9 @@ std::string stayed(int node, int port)
     return "stayed at " + std::to_string(node) + '.' + std::to_string(port);
 }
 
-// Groups o, m and i, each in the one before, with a leaf in the innermost; every node has two inputs
-// and two outputs, and what arrives at input 1 of o runs down to the leaf on alternating ports, as
-// the leaf's result runs up to output 1 of o.
+// Groups o, m and i, each in the one before, with a leaf in the innermost; every node has two
+// inputs and two outputs, and what arrives at input 1 of o runs down to the leaf on alternating
+// ports, as the leaf's result runs up to output 1 of o.
 struct NestedGroups
 {
     Graph graph;

@@ -181,8 +181,8 @@ TEST_P(GraphPrecedesEitherWay, AnsweringLeavesNoTraceInLaterAnswers)
     EXPECT_TRUE(precedes(p, r));
 }
 
-// Up and down edges are not tested for cycles: g feeds b, whose output comes back into g and down to
-// x, which produces the output of g.
+// Up and down edges are not tested for cycles: g feeds b, whose output comes back into g and down
+// to x, which produces the output of g.
 TEST_P(GraphPrecedesEitherWay, ACycleEndsTheSearch)
 {
     const int g = addNode();

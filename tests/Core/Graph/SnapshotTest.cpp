@@ -39,9 +39,8 @@ const Change kChanges[] = {
     {"RemoveOutput", [](SampleGraph& s) { s.graph.removeOutput(s.b, 0); }},
     {"AddInputGroup", [](SampleGraph& s) { s.graph.addInputGroup(s.a, QString()); }},
     {"AddOutputGroup", [](SampleGraph& s) { s.graph.addOutputGroup(s.a, QString()); }},
-    {"AddDownEdge", [](SampleGraph& s) {
-         s.graph.addDownEdge(0, s.y, s.graph.addInput(s.y, QString(), -1));
-     }},
+    {"AddDownEdge",
+     [](SampleGraph& s) { s.graph.addDownEdge(0, s.y, s.graph.addInput(s.y, QString(), -1)); }},
     {"RemoveRegularEdge", [](SampleGraph& s) { s.graph.removeEdge(s.aToG); }},
     {"RemoveDownEdge", [](SampleGraph& s) { s.graph.removeEdge(s.gToX); }},
     {"RemoveUpEdge", [](SampleGraph& s) { s.graph.removeEdge(s.yToG); }},
