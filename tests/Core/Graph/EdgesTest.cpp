@@ -623,6 +623,17 @@ TEST_F(GraphEdges, DestinationsOfRemovedNodesAreNotValid)
     EXPECT_FALSE(graph.isValidOutputDestination(g, 0, 0));
 }
 
+TEST_F(GraphEdges, DestinationsOfInputsOfRemovedNodesAreNotValid)
+{
+    const int edge = graph.addDownEdge(1, x, 0);
+    graph.removeInput(g, 0);
+    graph.removeEdge(edge);
+    ASSERT_EQ(inputDestinations(graph, g, 0), Edges{edge});
+    ASSERT_TRUE(graph.isValidInputDestination(g, 0, 0));
+    graph.removeNode(g);
+    EXPECT_FALSE(graph.isValidInputDestination(g, 0, 0));
+}
+
 TEST_F(GraphEdges, InputsAndOutputsOfOneIndexAreDistinctPorts)
 {
     const int in = graph.addEdge(a, 0, g, 0);
