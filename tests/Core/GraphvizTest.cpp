@@ -14,6 +14,7 @@
 #include <QtCore/QStandardPaths>
 #include <QtCore/QTextCodec>
 
+using Kestrin::Orv::dumpAsGraphviz;
 using Kestrin::Orv::Graph;
 
 namespace {
