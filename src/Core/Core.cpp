@@ -43,8 +43,7 @@ QString resourcesPath()
     if (cachedResourcesPath.isEmpty()) {
         const QFileInfo executable(executablePath());
         // For a file that is not there, some releases of Qt take "." for its directory.
-        const QString directory
-            = executable.exists() ? executable.canonicalPath() : QString();
+        const QString directory = executable.exists() ? executable.canonicalPath() : QString();
         cachedResourcesPath = directory + QStringLiteral("/Resources");
     }
     return cachedResourcesPath;
