@@ -228,7 +228,8 @@ TEST(ExecutablePath, IsReadAsUtf8WhateverTheLocalEncoding)
 TEST(ResourcesPath, LiesBesideTheExecutable)
 {
     inFreshProcess([](const MessageRecorder& recorder) {
-        EXPECT_EQ(resourcesPath(), QFileInfo(ownPath()).canonicalPath() + QStringLiteral("/Resources"));
+        EXPECT_EQ(resourcesPath(),
+                  QFileInfo(ownPath()).canonicalPath() + QStringLiteral("/Resources"));
         expectComplaints(recorder, 0);
     });
 }

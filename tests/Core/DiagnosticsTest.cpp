@@ -43,7 +43,8 @@ void assertFromLine62(bool condition);
 TEST(Diagnostics, ADebugLineIsOneDebugMessage)
 {
     const MessageRecorder recorder;
-    ORV_DEBUG("frame %d of %s", 7, "many"); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORV_DEBUG("frame %d of %s", 7, "many");
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].level, QtDebugMsg);
@@ -53,7 +54,8 @@ TEST(Diagnostics, ADebugLineIsOneDebugMessage)
 TEST(Diagnostics, ACriticalLineIsOneCriticalMessage)
 {
     const MessageRecorder recorder;
-    ORV_CRITICAL("no frame"); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORV_CRITICAL("no frame");
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].level, QtCriticalMsg);
@@ -64,15 +66,15 @@ TEST(Diagnostics, AFailedAssertionIsOneCriticalMessageAndTheCodeGoesOn)
 {
     const MessageRecorder recorder;
     bool wentOn = false;
-    ORV_ASSERT(1 + 1 == 3, "sum of %d and %d", 1, 1); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORV_ASSERT(1 + 1 == 3, "sum of %d and %d", 1, 1);
     wentOn = true;
     EXPECT_TRUE(wentOn);
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].level, QtCriticalMsg);
     EXPECT_EQ(messages[0].text,
-              here(line)
-                  + QStringLiteral("[ !! ] Assertion '1 + 1 == 3' failed: sum of 1 and 1"));
+              here(line) + QStringLiteral("[ !! ] Assertion '1 + 1 == 3' failed: sum of 1 and 1"));
 }
 
 TEST(Diagnostics, AnAssertionThatHoldsDoesNothing)
@@ -133,13 +135,13 @@ TEST(Diagnostics, EveryMessageHasThePlainContext)
 TEST(Diagnostics, APercentSignInAConditionIsShownWithABackslash)
 {
     const MessageRecorder recorder;
-    ORV_ASSERT(7 % 4 == 7 % 2, "%s", "remainders"); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORV_ASSERT(7 % 4 == 7 % 2, "%s", "remainders");
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].text,
               here(line)
-                  + QStringLiteral(
-                      "[ !! ] Assertion '7 \\% 4 == 7 \\% 2' failed: remainders"));
+                  + QStringLiteral("[ !! ] Assertion '7 \\% 4 == 7 \\% 2' failed: remainders"));
 }
 
 TEST(Diagnostics, APercentSignInAnArgumentIsShownAsItIs)
@@ -183,7 +185,8 @@ TEST(Diagnostics, ALineBreakStaysInOneMessage)
 TEST(Diagnostics, AnEmptyTextLeavesThePrefix)
 {
     const MessageRecorder recorder;
-    ORV_DEBUG("%s", ""); const int line = __LINE__;
+    const int line = __LINE__ + 1;
+    ORV_DEBUG("%s", "");
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].text, here(line));
@@ -199,7 +202,8 @@ TEST(Diagnostics, AUtf8LocalEncodingCarriesEveryCharacter)
     const auto messages = recorder.messages();
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].body(), QStringLiteral("<") + name + QStringLiteral(">"));
-    EXPECT_TRUE(messages[1].body().endsWith(QStringLiteral("failed: <") + name + QStringLiteral(">")));
+    EXPECT_TRUE(
+        messages[1].body().endsWith(QStringLiteral("failed: <") + name + QStringLiteral(">")));
 }
 
 // The logger reads what it is given as UTF-8: another local encoding costs the characters beyond ASCII.

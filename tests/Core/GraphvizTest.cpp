@@ -190,8 +190,9 @@ TEST(Graphviz, WritesOneLineForEachNodeThoughTheNamesAreTheSame)
     const int a = addNode(graph, "a");
     graph.addEdge(a, 0, addNode(graph, "b"), 0);
     graph.addEdge(a, 0, addNode(graph, "b"), 0);
-    EXPECT_EQ(dump(graph),
-              withLines("  \"a\";\n  \"b\";\n  \"b\";\n", "  \"a\" -> \"b\";\n  \"a\" -> \"b\";\n"));
+    EXPECT_EQ(
+        dump(graph),
+        withLines("  \"a\";\n  \"b\";\n  \"b\";\n", "  \"a\" -> \"b\";\n  \"a\" -> \"b\";\n"));
 }
 
 TEST(Graphviz, WritesNamesAsTheyAre)
@@ -258,8 +259,8 @@ TEST(Graphviz, IsReadByDot)
     EXPECT_EQ(process.readAllStandardError().toStdString(), "");
     const QString plain = QString::fromUtf8(process.readAllStandardOutput());
     const auto count = [&plain](const char* pattern) {
-        return plain.count(QRegularExpression(QString::fromLatin1(pattern),
-                                              QRegularExpression::MultilineOption));
+        return plain.count(
+            QRegularExpression(QString::fromLatin1(pattern), QRegularExpression::MultilineOption));
     };
     EXPECT_EQ(count("^node "), 3); // the empty name shows up through its edge
     EXPECT_EQ(count("^node \"shadow map\" "), 1);

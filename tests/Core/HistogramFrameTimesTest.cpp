@@ -346,10 +346,8 @@ TEST(HistogramFrameTimes, DumpsATotalsLineAndOneLinePerBucketInAscendingOrder)
         histogram.addFrameTimeUS(500);
     histogram.addFrameTimeUS(123456);
     EXPECT_EQ(dump(histogram),
-              lines({"TIME DUMP     26 frames 505000 us    500 us",
-                     "         500 us      2  ",
-                     "       16500 us     20 <",
-                     "       17000 us      3 |",
+              lines({"TIME DUMP     26 frames 505000 us    500 us", "         500 us      2  ",
+                     "       16500 us     20 <", "       17000 us      3 |",
                      "      123000 us      1  "}));
 }
 
@@ -358,8 +356,7 @@ TEST(HistogramFrameTimes, DumpsATieWithOnePeak)
     Histogram histogram;
     histogram.add({1000, 1000, 2000, 2000});
     EXPECT_EQ(dump(histogram),
-              lines({"TIME DUMP      4 frames   6000 us   1000 us",
-                     "        1000 us      2 <",
+              lines({"TIME DUMP      4 frames   6000 us   1000 us", "        1000 us      2 <",
                      "        2000 us      2 |"}));
 }
 
@@ -373,10 +370,8 @@ TEST(HistogramFrameTimes, MarksMoreThanATenthOfThePeakRoundedDown)
     for (int i = 0; i < 3; ++i)
         histogram.addFrameTimeUS(3000);
     EXPECT_EQ(dump(histogram),
-              lines({"TIME DUMP     46 frames  56000 us   1000 us",
-                     "        1000 us     39 <",
-                     "        2000 us      4 |",
-                     "        3000 us      3  "}));
+              lines({"TIME DUMP     46 frames  56000 us   1000 us", "        1000 us     39 <",
+                     "        2000 us      4 |", "        3000 us      3  "}));
 }
 
 TEST(HistogramFrameTimes, DumpsABucketOfNoTime)
@@ -384,8 +379,7 @@ TEST(HistogramFrameTimes, DumpsABucketOfNoTime)
     Histogram histogram;
     histogram.add({0, 499, 1000000});
     EXPECT_EQ(dump(histogram),
-              lines({"TIME DUMP      3 frames 1000000 us      0 us",
-                     "           0 us      2 <",
+              lines({"TIME DUMP      3 frames 1000000 us      0 us", "           0 us      2 <",
                      "      1000000 us      1 |"}));
 }
 

@@ -277,8 +277,7 @@ TEST(BottomUpInputWalker, YieldsTheStartOfACycleTwice)
     ASSERT_NE(sample.sToG, -1);
     EXPECT_EQ(bottomUp(sample.graph, sample.k, true), (Refs{sample.k, sample.s, sample.k}));
     EXPECT_EQ(bottomUp(sample.graph, sample.s, true), (Refs{sample.s, sample.k, sample.s}));
-    EXPECT_EQ(bottomUp(sample.graph, sample.g, true),
-              (Refs{sample.k, sample.s, sample.g}));
+    EXPECT_EQ(bottomUp(sample.graph, sample.g, true), (Refs{sample.k, sample.s, sample.g}));
 }
 
 TEST(BottomUpInputWalker, YieldsEachNodeOfALadderOfDiamondsOnce)
@@ -318,8 +317,7 @@ TEST(BottomUpInputWalker, YieldsEachNodeOnceWhereRefsLieOnBothSidesOfTheRootsChi
     graph.addEdge(inner[4], 0, inner[5], 1);
     graph.addEdge(inner[1], 0, inner[5], 2);
     graph.addEdge(g, 0, last, 0);
-    EXPECT_EQ(bottomUp(graph, last, true),
-              (Refs{inner[0], inner[1], inner[4], inner[5], last}));
+    EXPECT_EQ(bottomUp(graph, last, true), (Refs{inner[0], inner[1], inner[4], inner[5], last}));
 }
 
 TEST(BottomUpInputWalker, MayBeDestroyedAtAnyNode)
@@ -482,7 +480,8 @@ TEST(BottomUpSubgraphWalker, IsInvalidForWhatIsNoValidNode)
 {
     Group sample;
     sample.graph.removeNode(sample.g);
-    for (const int node : {-1, INT_MIN, INT_MAX, sample.graph.numNodesGlobal(), sample.g, sample.x}) {
+    for (const int node :
+         {-1, INT_MIN, INT_MAX, sample.graph.numNodesGlobal(), sample.g, sample.x}) {
         BottomUpSubgraphWalker walker(sample.graph, node);
         EXPECT_FALSE(walker.valid()) << node;
         EXPECT_EQ(walker.node(), -1);

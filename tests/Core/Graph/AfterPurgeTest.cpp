@@ -107,8 +107,10 @@ long long askEverything(const Graph& graph)
             + graph.edgeDestNode(a) + graph.edgeDestIndex(a);
         sum += static_cast<long long>(walk(BottomUpSubgraphWalker(graph, a)).size());
         for (const bool followHierarchy : {false, true}) {
-            sum += static_cast<long long>(walk(BottomUpInputWalker(graph, a, followHierarchy)).size());
-            sum += static_cast<long long>(walk(BreadthFirstInputWalker(graph, a, followHierarchy)).size());
+            sum +=
+                static_cast<long long>(walk(BottomUpInputWalker(graph, a, followHierarchy)).size());
+            sum += static_cast<long long>(
+                walk(BreadthFirstInputWalker(graph, a, followHierarchy)).size());
         }
         for (const int b : numbers) {
             sum += graph.isValidInput(a, b) + graph.isValidOutput(a, b)
@@ -167,20 +169,48 @@ public:
         case 10:
             graph.addUpEdge(port(), node(), port());
             break;
-        case 11: graph.removeNode(node()); break;
-        case 12: graph.removeChildNode(node()); break;
-        case 13: graph.removeEdge(edge()); break;
-        case 14: graph.disconnectInput(node(), port()); break;
-        case 15: graph.removeInput(node(), port()); break;
-        case 16: graph.removeOutput(node(), port()); break;
-        case 17: graph.addInput(node(), name(), port()); break;
-        case 18: graph.addOutput(node(), name(), port()); break;
-        case 19: graph.connectByName(node(), node()); break;
-        case 20: graph.connectUpByName(node()); break;
-        case 21: graph.connectDownByName(node()); break;
-        case 22: graph.connectGroups(node(), -1, node(), -1); break;
-        case 23: graph.disconnectInputGroup(node(), -1); break;
-        case 24: graph.setNodeValue(node(), below(5)); break;
+        case 11:
+            graph.removeNode(node());
+            break;
+        case 12:
+            graph.removeChildNode(node());
+            break;
+        case 13:
+            graph.removeEdge(edge());
+            break;
+        case 14:
+            graph.disconnectInput(node(), port());
+            break;
+        case 15:
+            graph.removeInput(node(), port());
+            break;
+        case 16:
+            graph.removeOutput(node(), port());
+            break;
+        case 17:
+            graph.addInput(node(), name(), port());
+            break;
+        case 18:
+            graph.addOutput(node(), name(), port());
+            break;
+        case 19:
+            graph.connectByName(node(), node());
+            break;
+        case 20:
+            graph.connectUpByName(node());
+            break;
+        case 21:
+            graph.connectDownByName(node());
+            break;
+        case 22:
+            graph.connectGroups(node(), -1, node(), -1);
+            break;
+        case 23:
+            graph.disconnectInputGroup(node(), -1);
+            break;
+        case 24:
+            graph.setNodeValue(node(), below(5));
+            break;
         default:
             if (below(3) == 0)
                 graph.purge();

@@ -25,7 +25,8 @@ const char kSourceOutput[] = "[ !! ] Assertion 'isValidOutput(srcNode, findOutpu
                              "srcOutputName))' failed: Source output '%1' is not valid";
 const char kDestInput[] = "[ !! ] Assertion 'isValidInput(dstNode, findInput(dstNode, "
                           "dstInputName))' failed: Dest input '%1' is not valid";
-const char kChildNode[] = "[ !! ] Assertion 'isValidNode(childNode)' failed: Parent '%1' Child '%2'";
+const char kChildNode[] =
+    "[ !! ] Assertion 'isValidNode(childNode)' failed: Parent '%1' Child '%2'";
 const char kChildInput[] = "[ !! ] Assertion 'isValidInput(childNode, findInput(childNode, "
                            "childInputName))' failed: Parent '%1' Child '%2'";
 const char kParentInput[] = "[ !! ] Assertion 'isValidInput(parentNode(childNode), "
@@ -146,7 +147,8 @@ TEST_F(AddEdgeByName, TriesNoSecondPortOfAName)
     const int a = addNode("a", {}, {"p"});
     const int b = addNode("b", {"q", "q"}, {});
     graph.addEdge(a, 0, b, 0);
-    expectRefusal([&] { return graph.addEdgeByName(a, QStringLiteral("p"), b, QStringLiteral("q")); });
+    expectRefusal(
+        [&] { return graph.addEdgeByName(a, QStringLiteral("p"), b, QStringLiteral("q")); });
 }
 
 TEST_F(AddEdgeByName, FindsUnnamedPorts)
@@ -161,8 +163,9 @@ TEST_F(AddEdgeByName, ReportsAnUnknownOutput)
 {
     const int a = addNode("a", {}, {"color"});
     const int b = addNode("b", {"color"}, {});
-    expectRefusal(
-        [&] { return graph.addEdgeByName(a, QStringLiteral("Color"), b, QStringLiteral("color")); });
+    expectRefusal([&] {
+        return graph.addEdgeByName(a, QStringLiteral("Color"), b, QStringLiteral("color"));
+    });
     EXPECT_EQ(assertions(), QStringList{text(kSourceOutput, QStringLiteral("Color"))});
 }
 
@@ -179,7 +182,8 @@ TEST_F(AddEdgeByName, ReportsTheOutputBeforeTheInput)
 {
     const int a = addNode("a", {}, {"color"});
     const int b = addNode("b", {"color"}, {});
-    expectRefusal([&] { return graph.addEdgeByName(a, QStringLiteral("o"), b, QStringLiteral("i")); });
+    expectRefusal(
+        [&] { return graph.addEdgeByName(a, QStringLiteral("o"), b, QStringLiteral("i")); });
     EXPECT_EQ(assertions(),
               (QStringList{text(kSourceOutput, QStringLiteral("o")),
                            text(kDestInput, QStringLiteral("i"))}));
@@ -190,7 +194,8 @@ TEST_F(AddEdgeByName, ReportsPortsOfARemovedNodeAsInvalid)
     const int a = addNode("a", {}, {"p"});
     const int b = addNode("b", {"p"}, {});
     graph.removeNode(a);
-    expectRefusal([&] { return graph.addEdgeByName(a, QStringLiteral("p"), b, QStringLiteral("p")); });
+    expectRefusal(
+        [&] { return graph.addEdgeByName(a, QStringLiteral("p"), b, QStringLiteral("p")); });
     EXPECT_EQ(assertions(), QStringList{text(kSourceOutput, QStringLiteral("p"))});
 }
 
@@ -199,9 +204,11 @@ TEST_F(AddEdgeByName, ReportsPortsOfNodesThatDoNotExist)
     addNode("a", {"p"}, {"p"});
     QStringList expected;
     for (const int node : kOutside) {
-        expectRefusal(
-            [&] { return graph.addEdgeByName(node, QStringLiteral("p"), node, QStringLiteral("p")); });
-        expected << text(kSourceOutput, QStringLiteral("p")) << text(kDestInput, QStringLiteral("p"));
+        expectRefusal([&] {
+            return graph.addEdgeByName(node, QStringLiteral("p"), node, QStringLiteral("p"));
+        });
+        expected << text(kSourceOutput, QStringLiteral("p"))
+                 << text(kDestInput, QStringLiteral("p"));
     }
     EXPECT_EQ(assertions(), expected);
 }
@@ -225,8 +232,10 @@ TEST_F(AddEdgeByName, NamesAreNeverFormats)
     expectRefusal([&] { return graph.addEdgeByName(a, hostile, a, hostile); });
     const QStringList found = assertions();
     ASSERT_EQ(found.size(), 2);
-    EXPECT_TRUE(found[0].endsWith(QStringLiteral("failed: Source output '100%s %n %1 \\% ' %d' is not valid")));
-    EXPECT_TRUE(found[1].endsWith(QStringLiteral("failed: Dest input '100%s %n %1 \\% ' %d' is not valid")));
+    EXPECT_TRUE(found[0].endsWith(
+        QStringLiteral("failed: Source output '100%s %n %1 \\% ' %d' is not valid")));
+    EXPECT_TRUE(found[1].endsWith(
+        QStringLiteral("failed: Dest input '100%s %n %1 \\% ' %d' is not valid")));
 }
 
 TEST_F(AddEdgeByName, ReportsANameUpToItsFirstNul)
@@ -254,17 +263,20 @@ TEST_F(AddDownEdgeByName, ReportsAnUnknownChildInput)
 {
     const int g = addNode("g", {"outer"}, {});
     const int c = addNode("c", {"inner"}, {}, g);
-    expectRefusal(
-        [&] { return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("outer")); });
-    EXPECT_EQ(assertions(), QStringList{text(kChildInput, QStringLiteral("outer"), QStringLiteral("outer"))});
+    expectRefusal([&] {
+        return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("outer"));
+    });
+    EXPECT_EQ(assertions(),
+              QStringList{text(kChildInput, QStringLiteral("outer"), QStringLiteral("outer"))});
 }
 
 TEST_F(AddDownEdgeByName, ReportsAnUnknownParentInput)
 {
     const int g = addNode("g", {"outer"}, {});
     const int c = addNode("c", {"inner"}, {}, g);
-    expectRefusal(
-        [&] { return graph.addDownEdgeByName(QStringLiteral("other"), c, QStringLiteral("inner")); });
+    expectRefusal([&] {
+        return graph.addDownEdgeByName(QStringLiteral("other"), c, QStringLiteral("inner"));
+    });
     EXPECT_EQ(assertions(),
               QStringList{text(kParentInput, QStringLiteral("other"), QStringLiteral("inner"))});
 }
@@ -273,7 +285,8 @@ TEST_F(AddDownEdgeByName, ReportsTheChildBeforeTheParent)
 {
     const int g = addNode("g", {"outer"}, {});
     const int c = addNode("c", {"inner"}, {}, g);
-    expectRefusal([&] { return graph.addDownEdgeByName(QStringLiteral("p"), c, QStringLiteral("q")); });
+    expectRefusal(
+        [&] { return graph.addDownEdgeByName(QStringLiteral("p"), c, QStringLiteral("q")); });
     EXPECT_EQ(assertions(),
               (QStringList{text(kChildInput, QStringLiteral("p"), QStringLiteral("q")),
                            text(kParentInput, QStringLiteral("p"), QStringLiteral("q"))}));
@@ -283,8 +296,9 @@ TEST_F(AddDownEdgeByName, ReportsAnInvalidChildAndGoesOn)
 {
     QStringList expected;
     for (const int node : kOutside) {
-        expectRefusal(
-            [&] { return graph.addDownEdgeByName(QStringLiteral("p"), node, QStringLiteral("q")); });
+        expectRefusal([&] {
+            return graph.addDownEdgeByName(QStringLiteral("p"), node, QStringLiteral("q"));
+        });
         expected << text(kChildNode, QStringLiteral("p"), QStringLiteral("q"))
                  << text(kChildInput, QStringLiteral("p"), QStringLiteral("q"))
                  << text(kParentInput, QStringLiteral("p"), QStringLiteral("q"));
@@ -297,8 +311,9 @@ TEST_F(AddDownEdgeByName, FindsTheParentOfARemovedChild)
     const int g = addNode("g", {"outer"}, {});
     const int c = addNode("c", {"inner"}, {}, g);
     graph.removeNode(c);
-    expectRefusal(
-        [&] { return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("inner")); });
+    expectRefusal([&] {
+        return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("inner"));
+    });
     EXPECT_EQ(assertions(),
               (QStringList{text(kChildNode, QStringLiteral("outer"), QStringLiteral("inner")),
                            text(kChildInput, QStringLiteral("outer"), QStringLiteral("inner"))}));
@@ -309,7 +324,8 @@ TEST_F(AddDownEdgeByName, ReportsThatTheRootHasNoParent)
     graph.addInput(kRoot, QStringLiteral("in"), -1);
     expectRefusal(
         [&] { return graph.addDownEdgeByName(QStringLiteral("in"), kRoot, QStringLiteral("in")); });
-    EXPECT_EQ(assertions(), QStringList{text(kParentInput, QStringLiteral("in"), QStringLiteral("in"))});
+    EXPECT_EQ(assertions(),
+              QStringList{text(kParentInput, QStringLiteral("in"), QStringLiteral("in"))});
 }
 
 TEST_F(AddDownEdgeByName, SaysNothingWhenTheEdgeIsRefused)
@@ -317,8 +333,9 @@ TEST_F(AddDownEdgeByName, SaysNothingWhenTheEdgeIsRefused)
     const int g = addNode("g", {"outer"}, {});
     const int c = addNode("c", {"inner"}, {}, g);
     graph.addDownEdge(0, c, 0);
-    expectRefusal(
-        [&] { return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("inner")); });
+    expectRefusal([&] {
+        return graph.addDownEdgeByName(QStringLiteral("outer"), c, QStringLiteral("inner"));
+    });
     EXPECT_EQ(assertions(), QStringList());
 }
 
@@ -349,9 +366,12 @@ TEST_F(AddUpEdgeByName, SaysNothingOfUnknownNames)
 {
     const int g = addNode("g", {}, {"outer"});
     const int c = addNode("c", {}, {"inner"}, g);
-    expectRefusal([&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("inner")); });
-    expectRefusal([&] { return graph.addUpEdgeByName(QStringLiteral("outer"), c, QStringLiteral("q")); });
-    expectRefusal([&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("q")); });
+    expectRefusal(
+        [&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("inner")); });
+    expectRefusal(
+        [&] { return graph.addUpEdgeByName(QStringLiteral("outer"), c, QStringLiteral("q")); });
+    expectRefusal(
+        [&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("q")); });
     EXPECT_EQ(assertions(), QStringList());
 }
 
@@ -361,7 +381,8 @@ TEST_F(AddUpEdgeByName, SaysNothingOfNodesThatDoNotExist)
     const int c = addNode("c", {}, {"p"}, g);
     graph.removeNode(c);
     for (const int node : {-1, INT_MIN, INT_MAX, graph.numNodesGlobal(), c, kRoot})
-        expectRefusal([&] { return graph.addUpEdgeByName(QStringLiteral("p"), node, QStringLiteral("p")); });
+        expectRefusal(
+            [&] { return graph.addUpEdgeByName(QStringLiteral("p"), node, QStringLiteral("p")); });
     EXPECT_EQ(assertions(), QStringList());
 }
 
@@ -370,7 +391,8 @@ TEST_F(AddUpEdgeByName, RefusesAParentOutputThatIsFed)
     const int g = addNode("g", {}, {"p"});
     const int c = addNode("c", {}, {"p"}, g);
     EXPECT_EQ(graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("p")), 0);
-    expectRefusal([&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("p")); });
+    expectRefusal(
+        [&] { return graph.addUpEdgeByName(QStringLiteral("p"), c, QStringLiteral("p")); });
 }
 
 // connectByName
