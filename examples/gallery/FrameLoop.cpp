@@ -24,7 +24,7 @@ namespace Gallery {
 namespace {
 
 const int upInLastFrame = 2; // graph processing mode: every pass runs in every frame
-const double firstAngle = 35;
+const double firstAngle = 215;
 
 QString megabytes(qint64 bytes)
 {
@@ -73,16 +73,15 @@ bool FrameLoop::run(QString& error)
 
 bool FrameLoop::renderFrames(QString& error)
 {
-    if (options.staggered && !bringUp(error))
-        return false;
-    for (int frame = options.firstFrame; frame <= options.lastFrame; ++frame) {
+    bool done = !options.staggered || bringUp(error);
+    for (int frame = options.firstFrame; done && frame <= options.lastFrame; ++frame) {
         showProgress(frame);
-        if (!renderFrame(frame, error) || !write(graph.picture, "frame", frame, error)
-            || !write(graph.debug, "debug", frame, error))
-            return false;
+        done = renderFrame(frame, error) && write(graph.picture, "frame", frame, error)
+            && write(graph.debug, "debug", frame, error);
         endFrame();
     }
-    return true;
+    clearProgress();
+    return done;
 }
 
 /// Repeats the first frame, unwritten, until every pass has been started.
@@ -118,8 +117,8 @@ bool FrameLoop::renderFrame(int frame, QString& error)
 
     if (options.verbose)
         out << "frame " << frame << ": " << callbacks.started.size() << " of "
-            << graph.renderer().getNumPasses() << " passes started: "
-            << callbacks.started.join(QLatin1Char(' ')) << '\n';
+            << graph.renderer().getNumPasses()
+            << " passes started: " << callbacks.started.join(QLatin1Char(' ')) << '\n';
     return true;
 }
 
@@ -153,8 +152,9 @@ bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
     QImageWriter writer(&file, "png");
     if (!writer.write(image.convertToFormat(QImage::Format_RGB888)) || !file.commit()) {
         error = QStringLiteral("cannot write %1: %2")
-                    .arg(path, file.error() != QFileDevice::NoError ? file.errorString()
-                                                                    : writer.errorString());
+                    .arg(path,
+                         file.error() != QFileDevice::NoError ? file.errorString()
+                                                              : writer.errorString());
         return false;
     }
     return true;
@@ -163,16 +163,25 @@ bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
 void FrameLoop::endFrame()
 {
     texturesHeld = callbacks.textures.recycle();
+    out.flush();
 }
 
-void FrameLoop::showProgress(int frame)
+/// On a terminal alone, and when there is something to wait for.
+bool FrameLoop::hasProgress() const
 {
-    static const bool terminal = isatty(STDERR_FILENO) != 0;
-    const int numFrames = options.lastFrame - options.firstFrame + 1;
-    if (!terminal || numFrames < 2)
-        return;
-    std::fprintf(stderr, "\rframe %d, %d to go\x1b[K%s", frame, options.lastFrame - frame,
-                 frame == options.lastFrame ? "\n" : "");
+    return options.lastFrame > options.firstFrame && isatty(STDERR_FILENO);
+}
+
+void FrameLoop::showProgress(int frame) const
+{
+    if (hasProgress())
+        std::fprintf(stderr, "\rframe %d, %d to go \x1b[K", frame, options.lastFrame - frame);
+}
+
+void FrameLoop::clearProgress() const
+{
+    if (hasProgress())
+        std::fputs("\r\x1b[K", stderr);
 }
 
 void FrameLoop::report()
@@ -185,7 +194,7 @@ void FrameLoop::report()
             << " without";
     out << '\n';
     if (options.verbose)
-        out << "textures that kept readers waiting: " << texturesHeld << '\n';
+        out << "textures that not all readers released: " << texturesHeld << '\n';
     if (options.times)
         times.print();
 }

@@ -35,8 +35,8 @@ public:
     /// \param out receives the reports.
     FrameLoop(const Options& options, GalleryGraph& graph, const Scene& scene, QTextStream& out);
 
-    /// \return false, with the reason on one line in \p error, when a pass fails or a picture cannot
-    /// be written; the frames before it are complete.
+    /// \return false, with the reason on one line in \p error, when a pass fails or a picture
+    /// cannot be written; the frames before it are complete.
     bool run(QString& error);
 
 private:
@@ -45,7 +45,9 @@ private:
     bool renderFrame(int frame, QString& error);
     bool write(int output, const char* prefix, int frame, QString& error);
     void endFrame();
-    void showProgress(int frame);
+    bool hasProgress() const;
+    void showProgress(int frame) const;
+    void clearProgress() const;
     void report();
 
     const Options& options;

@@ -51,11 +51,12 @@ GalleryGraph::GalleryGraph()
 {
     angle = host.addParameter(QStringLiteral("Angle"), 0.0F);
     exposure = host.addParameter(QStringLiteral("Exposure"), 1.0F);
-    bloomStrength = host.addParameter(QStringLiteral("BloomStrength"), 0.35F);
-    lightDirection = host.addParameter(QStringLiteral("LightDirection"), QVector3D(-0.6F, 1, 0.7F));
+    bloomStrength = host.addParameter(QStringLiteral("BloomStrength"), 0.9F);
+    lightDirection = host.addParameter(QStringLiteral("LightDirection"), QVector3D(0.6F, 1, -0.7F));
     staggered = host.addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), false);
-    picture = host.addOutput(QStringLiteral("Picture"));
+    // The debug view comes first, so that it runs first and lets go of the G-buffer.
     debug = host.addOutput(QStringLiteral("Debug"));
+    picture = host.addOutput(QStringLiteral("Picture"));
 
     cameras = host.addPass(QStringLiteral("Cameras"), new CamerasPass, root);
     shadowMap = add(host, GeometryPass::makeShadowMap(), root);
@@ -163,7 +164,8 @@ void GalleryGraph::addBloom()
     graph.connectUpByName(glow);
 }
 
-/// Halves the picture level by level, then comes back up, adding each level to the blurred ones below.
+/// Halves the picture level by level, then comes back up, adding each level to the blurred ones
+/// below.
 GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 {
     const int numLevels = 4;
@@ -209,7 +211,7 @@ void GalleryGraph::wire()
     graph.connectNamedGroups(gBuffer, QStringLiteral("Surface"), occlusion,
                              QStringLiteral("Surface"));
     graph.connectByName(cameras, occlusion);
-    for (const Node source : { gBuffer, occlusion, shadowMap, cameras })
+    for (const Node source : {gBuffer, occlusion, shadowMap, cameras})
         graph.connectByName(source, lighting);
     graph.connectByName(lighting, bloom);
     graph.connectByName(lighting, toneMap);
@@ -217,7 +219,7 @@ void GalleryGraph::wire()
     graph.connectByName(toneMap, antiAlias);
     graph.connectByName(toneMap, present);
     graph.connectByName(antiAlias, present);
-    for (const Node source : { gBuffer, shadowMap, lighting, cameras })
+    for (const Node source : {gBuffer, shadowMap, lighting, cameras})
         graph.connectByName(source, debugView);
     graph.connectByName(lighting, lightMeter);
 

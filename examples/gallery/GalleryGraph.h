@@ -38,15 +38,15 @@ public:
     int bloomStrength;
     int lightDirection;
     int staggered;
-    int picture;
     int debug;
+    int picture;
 
     /// The pass of this name, in whichever group; -1 if there is none.
     int findPass(const QString& name);
     /// The passes that the renderer's outputs and its target need, in their order of execution.
     QVector<int> executionOrder();
-    /// Disables the passes that executionOrder() does not need. A pass that is never scheduled would
-    /// count as one that has yet to start.
+    /// Disables the passes that executionOrder() does not need. A pass that is never scheduled
+    /// would count as one that has yet to start.
     void disableIdlePasses();
 
 private:

@@ -18,7 +18,7 @@ GalleryPass::GalleryPass(const QString& name)
 
 void GalleryPass::addTarget(const QString& outputName, GLenum format)
 {
-    targets.append({ addOutput(outputName), format });
+    targets.append({addOutput(outputName), format});
 }
 
 void GalleryPass::setShaders(const QString& vertexFile_, const QString& fragmentFile_)

@@ -19,10 +19,10 @@ enum class PassError : unsigned int { None, Shader, Framebuffer, Driver };
 
 /// A pass that draws into textures of the pool.
 ///
-/// Each output declared with addTarget() gets a texture when the pass starts, for as many readers as
-/// the renderer counted; the first one always, as a framebuffer needs something to draw to, the others
-/// only if there are readers. A texture that arrives at an input is released when the frame of this
-/// pass ends, whether the pass drew or was held back.
+/// Each output declared with addTarget() gets a texture when the pass starts, for as many readers
+/// as the renderer counted; the first one always, as a framebuffer needs something to draw to, the
+/// others only if there are readers. A texture that arrives at an input is released when the frame
+/// of this pass ends, whether the pass drew or was held back.
 class GalleryPass : public Kestrin::Orv::RenderPassHelper
 {
 public:

@@ -23,8 +23,7 @@ bool isSoftware(EGLDeviceEXT device)
 QVector<EGLDisplay> windowlessDisplays()
 {
     QVector<EGLDisplay> displays;
-    const bool hasPlatforms
-        = epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_base");
+    const bool hasPlatforms = epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_base");
     if (hasPlatforms && epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_platform_device")
         && epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_EXT_device_enumeration")) {
         EGLDeviceEXT devices[16];
@@ -61,9 +60,9 @@ bool GlContext::createOn(EGLDisplay candidate)
     if (!eglInitialize(candidate, nullptr, nullptr))
         return false;
     display = candidate;
-    static const EGLint configAttributes[]
-        = { EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_ES3_BIT, EGL_NONE };
-    static const EGLint contextAttributes[] = { EGL_CONTEXT_CLIENT_VERSION, 3, EGL_NONE };
+    static const EGLint configAttributes[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT,
+                                              EGL_RENDERABLE_TYPE, EGL_OPENGL_ES3_BIT, EGL_NONE};
+    static const EGLint contextAttributes[] = {EGL_CONTEXT_CLIENT_VERSION, 3, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint numConfigs = 0;
     if (!eglBindAPI(EGL_OPENGL_ES_API)

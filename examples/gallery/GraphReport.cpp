@@ -55,8 +55,8 @@ QStringList executionList(GalleryGraph& gallery)
 
 bool writeGraphviz(GalleryGraph& gallery, const QString& file, QString& error)
 {
-    const QStringList lines
-        = messagesOf([&gallery] { Kestrin::Orv::dumpAsGraphviz(gallery.renderer().getGraph()); });
+    const QStringList lines =
+        messagesOf([&gallery] { Kestrin::Orv::dumpAsGraphviz(gallery.renderer().getGraph()); });
     const QByteArray text = lines.join(QLatin1Char('\n')).toUtf8() + '\n';
     QSaveFile out(file);
     if (out.open(QIODevice::WriteOnly) && out.write(text) == text.size() && out.commit())

@@ -22,7 +22,7 @@ namespace {
 
 QVector3D toVector(const aiVector3D& v)
 {
-    return { v.x, v.y, v.z };
+    return {v.x, v.y, v.z};
 }
 
 Material readMaterial(const aiMaterial& source)
@@ -31,9 +31,12 @@ Material readMaterial(const aiMaterial& source)
     aiColor4D color(0.8F, 0.8F, 0.8F, 1);
     if (source.Get(AI_MATKEY_BASE_COLOR, color) != AI_SUCCESS)
         source.Get(AI_MATKEY_COLOR_DIFFUSE, color);
-    material.baseColor = { color.r, color.g, color.b };
+    material.baseColor = {color.r, color.g, color.b};
     source.Get(AI_MATKEY_METALLIC_FACTOR, material.metallic);
-    source.Get(AI_MATKEY_ROUGHNESS_FACTOR, material.roughness);
+    float roughness = 0.5F;
+    source.Get(AI_MATKEY_ROUGHNESS_FACTOR, roughness);
+    // Glossier than in the file: a model in a studio has been polished.
+    material.roughness = 0.15F + 0.27F * roughness;
     return material;
 }
 
@@ -41,8 +44,8 @@ void appendMesh(const aiMesh& mesh, Model& model)
 {
     const int firstVertex = model.vertices.size();
     for (unsigned i = 0; i < mesh.mNumVertices; ++i)
-        model.vertices.append({ toVector(mesh.mVertices[i]),
-                                mesh.mNormals ? toVector(mesh.mNormals[i]) : QVector3D(0, 1, 0) });
+        model.vertices.append({toVector(mesh.mVertices[i]),
+                               mesh.mNormals ? toVector(mesh.mNormals[i]) : QVector3D(0, 1, 0)});
     Batch batch;
     batch.firstIndex = model.indices.size();
     batch.material = static_cast<int>(mesh.mMaterialIndex);
@@ -94,12 +97,13 @@ bool Model::load(const QString& path, QString& error)
     }
     Assimp::Importer importer;
     // Lines and points cast no light.
-    importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE, aiPrimitiveType_LINE | aiPrimitiveType_POINT);
+    importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE,
+                                aiPrimitiveType_LINE | aiPrimitiveType_POINT);
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 60);
-    const aiScene* scene = importer.ReadFile(
-        QFile::encodeName(path).constData(),
-        aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_GenSmoothNormals
-            | aiProcess_JoinIdenticalVertices | aiProcess_PreTransformVertices);
+    const aiScene* scene =
+        importer.ReadFile(QFile::encodeName(path).constData(),
+                          aiProcess_Triangulate | aiProcess_SortByPType | aiProcess_GenSmoothNormals
+                              | aiProcess_JoinIdenticalVertices | aiProcess_PreTransformVertices);
     if (!scene) {
         error = QStringLiteral("%1 is not a model: %2")
                     .arg(path, QString::fromUtf8(importer.GetErrorString()).simplified());

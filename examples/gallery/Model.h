@@ -13,7 +13,7 @@ namespace Gallery {
 /// What a surface is made of.
 struct Material
 {
-    QVector3D baseColor { 0.8F, 0.8F, 0.8F }; ///< linear
+    QVector3D baseColor{0.8F, 0.8F, 0.8F}; ///< linear
     float metallic = 0;
     float roughness = 0.5F;
 };

@@ -12,29 +12,25 @@ namespace Gallery {
 
 namespace {
 
-const char defaultModel[]
-    = "/usr/share/assimp/models/glTF2/2CylinderEngine-glTF-Binary/2CylinderEngine.glb";
+const char defaultModel[] =
+    "/usr/share/assimp/models/glTF2/2CylinderEngine-glTF-Binary/2CylinderEngine.glb";
 const int maxSide = 8192;
 
-/// The numbers of a text that matches a pattern as a whole; empty when it does not, or when a number
-/// is beyond an int.
+/// The numbers in a text that matches a pattern as a whole; none when it does not. The pattern
+/// keeps them short enough for an int.
 QVector<int> numbersOf(const QString& text, const QString& pattern)
 {
     const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));
     const QRegularExpressionMatch match = expression.match(text);
     QVector<int> numbers;
-    for (int i = 1; i <= match.lastCapturedIndex(); ++i) {
-        bool ok = false;
-        numbers.append(match.captured(i).toInt(&ok));
-        if (!ok)
-            return {};
-    }
+    for (int i = 1; i <= match.lastCapturedIndex(); ++i)
+        numbers.append(match.captured(i).toInt());
     return numbers;
 }
 
 bool parseSize(const QString& text, QSize& size)
 {
-    const QVector<int> sides = numbersOf(text, QStringLiteral("([0-9]+)x([0-9]+)"));
+    const QVector<int> sides = numbersOf(text, QStringLiteral("([0-9]{1,4})x([0-9]{1,4})"));
     if (sides.size() != 2)
         return false;
     size = QSize(sides.at(0), sides.at(1));
@@ -44,7 +40,7 @@ bool parseSize(const QString& text, QSize& size)
 
 bool parseRange(const QString& text, int& first, int& last)
 {
-    const QVector<int> bounds = numbersOf(text, QStringLiteral("([0-9]+)(?:-([0-9]+))?"));
+    const QVector<int> bounds = numbersOf(text, QStringLiteral("([0-9]{1,6})(?:-([0-9]{1,6}))?"));
     if (bounds.isEmpty())
         return false;
     first = bounds.first();
@@ -57,12 +53,15 @@ bool parseRange(const QString& text, int& first, int& last)
 bool Options::parse(const QStringList& arguments, QString& error)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Renders a model with a graph of render passes, as pictures frame-NNNN.png, and beside each\n"
-        "what the passes hand each other, debug-NNNN.png.\n\n"
-        "The camera goes once around the model in 120 frames (--turn), so 0-119 is a seamless turn;\n"
-        "a frame is the same whichever range it is part of. The jobs of an array can split a turn:\n"
-        "  gallery --frames 0-59 --out turn & gallery --frames 60-119 --out turn"));
+    parser.setApplicationDescription(
+        QStringLiteral("Renders a model with a graph of render passes, as pictures frame-NNNN.png, "
+                       "and beside each\n"
+                       "what the passes hand each other, debug-NNNN.png.\n\n"
+                       "The camera goes once around the model in 120 frames (--turn), so 0-119 is "
+                       "a seamless turn;\n"
+                       "a frame is the same whichever range it is part of. The jobs of an array "
+                       "can split a turn:\n"
+                       "  gallery --frames 0-59 --out turn & gallery --frames 60-119 --out turn"));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version(QStringLiteral("version"),
                                      QStringLiteral("Print the library's version."));
@@ -107,9 +106,9 @@ bool Options::parse(const QStringList& arguments, QString& error)
     const QCommandLineOption noPoolOption(
         QStringLiteral("no-pool"),
         QStringLiteral("Give every output of a pass a texture of its own."));
-    parser.addOptions({ version, sizeOption, framesOption, turnOption, outOption, disableOption,
-                        targetOption, staggeredOption, listOption, timesOption, verboseOption,
-                        graphOption, noPoolOption, resourcesOption });
+    parser.addOptions({version, sizeOption, framesOption, turnOption, outOption, disableOption,
+                       targetOption, staggeredOption, listOption, timesOption, verboseOption,
+                       graphOption, noPoolOption, resourcesOption});
     parser.addPositionalArgument(
         QStringLiteral("model"),
         QStringLiteral("Model file, of any format that assimp reads (an engine of two cylinders)."),
@@ -145,7 +144,7 @@ bool Options::parse(const QStringList& arguments, QString& error)
         return false;
     }
     if (parser.isSet(turnOption)) {
-        turn = numbersOf(parser.value(turnOption), QStringLiteral("([0-9]+)")).value(0);
+        turn = numbersOf(parser.value(turnOption), QStringLiteral("([0-9]{1,6})")).value(0);
         if (turn < 1) {
             error = QStringLiteral("not a number of frames: %1").arg(parser.value(turnOption));
             return false;

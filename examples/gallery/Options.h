@@ -14,7 +14,7 @@ namespace Gallery {
 struct Options
 {
     QString model;
-    QSize size { 960, 720 };
+    QSize size{960, 720};
     int firstFrame = 0;
     int lastFrame = 0;
     int turn = 120; ///< frames in a full turn of the camera

@@ -41,16 +41,16 @@ void Scene::appendGround()
 {
     const float extent = 30;
     const auto first = static_cast<quint32>(content.vertices.size());
-    for (const float x : { -extent, extent }) {
-        for (const float z : { -extent, extent })
-            content.vertices.append({ { x, -content.halfHeight, z }, { 0, 1, 0 } });
+    for (const float x : {-extent, extent}) {
+        for (const float z : {-extent, extent})
+            content.vertices.append({{x, -content.halfHeight, z}, {0, 1, 0}});
     }
-    content.batches.append({ content.indices.size(), 6, content.materials.size() });
-    for (const quint32 corner : { 0U, 1U, 2U, 2U, 1U, 3U })
+    content.batches.append({content.indices.size(), 6, content.materials.size()});
+    for (const quint32 corner : {0U, 1U, 2U, 2U, 1U, 3U})
         content.indices.append(first + corner);
     Material ground;
-    ground.baseColor = { 0.48F, 0.47F, 0.46F };
-    ground.roughness = 0.75F;
+    ground.baseColor = {0.11F, 0.11F, 0.115F};
+    ground.roughness = 1;
     content.materials.append(ground);
 }
 
@@ -62,9 +62,9 @@ void Scene::draw(const ShaderProgram& program) const
         program.set("uBaseColor", material.baseColor);
         program.set("uMetallic", material.metallic);
         program.set("uRoughness", material.roughness);
-        glDrawElements(GL_TRIANGLES, batch.numIndices, GL_UNSIGNED_INT,
-                       reinterpret_cast<const void*>(std::size_t(batch.firstIndex)
-                                                     * sizeof(quint32)));
+        glDrawElements(
+            GL_TRIANGLES, batch.numIndices, GL_UNSIGNED_INT,
+            reinterpret_cast<const void*>(std::size_t(batch.firstIndex) * sizeof(quint32)));
     }
     glBindVertexArray(0);
 }

@@ -30,7 +30,7 @@ private:
 
     Model content;
     GLuint vertexArray = 0;
-    GLuint buffers[2] = { 0, 0 };
+    GLuint buffers[2] = {0, 0};
 };
 
 } // namespace Gallery

@@ -29,7 +29,10 @@ bool readResource(const QString& file, QByteArray& text, QString& error)
 /// The first complaint of a driver's log.
 QString firstLine(const QByteArray& log)
 {
-    return QString::fromUtf8(log.constData()).trimmed().section(QLatin1Char('\n'), 0, 0).simplified();
+    return QString::fromUtf8(log.constData())
+        .trimmed()
+        .section(QLatin1Char('\n'), 0, 0)
+        .simplified();
 }
 
 GLuint compile(GLenum kind, const QString& file, QString& error)
@@ -92,8 +95,8 @@ bool ShaderProgram::build(const QString& vertexFile, const QString& fragmentFile
         return true;
     QByteArray log(4096, '\0');
     glGetProgramInfoLog(program, log.size(), nullptr, log.data());
-    error = QStringLiteral("%1 and %2 do not link: %3")
-                .arg(vertexFile, fragmentFile, firstLine(log));
+    error =
+        QStringLiteral("%1 and %2 do not link: %3").arg(vertexFile, fragmentFile, firstLine(log));
     clear();
     return false;
 }

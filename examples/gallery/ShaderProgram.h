@@ -26,8 +26,8 @@ public:
     void clear();
 
     void use() const { glUseProgram(program); }
-    /// Sets a uniform of the program in use: an int, a number, a QVector3D or a QMatrix4x4. One that
-    /// the shaders do not have is passed over.
+    /// Sets a uniform of the program in use: an int, a number, a QVector3D or a QMatrix4x4. One
+    /// that the shaders do not have is passed over.
     void set(const char* uniform, const QVariant& value) const;
 
 private:

@@ -16,7 +16,7 @@ int bytesPerTexel(GLenum format)
         return 1;
     case GL_RGBA16F:
         return 8;
-    default: // GL_RGBA8, GL_SRGB8_ALPHA8, GL_R11F_G11F_B10F, GL_DEPTH_COMPONENT24
+    default: // GL_RGBA8, GL_R11F_G11F_B10F, GL_DEPTH_COMPONENT24
         return 4;
     }
 }
@@ -63,12 +63,12 @@ Texture TexturePool::acquire(GLenum format, int width, int height, int users)
     };
     auto found = std::find_if(slots.begin(), slots.end(), fits);
     if (found == slots.end()) {
-        slots.append({ makeTexture(format, width, height), format, width, height, 0, true });
+        slots.append({makeTexture(format, width, height), format, width, height, 0, true});
         found = slots.end() - 1;
     }
     found->users = users;
     found->available = false;
-    return { found->name, width, height, static_cast<int>(found - slots.begin()) };
+    return {found->name, width, height, static_cast<int>(found - slots.begin())};
 }
 
 void TexturePool::release(const Texture& texture)

@@ -22,7 +22,8 @@ struct Texture
 
 /// Textures that live within a frame, from the pass that fills them to the last that reads them.
 ///
-/// A texture whose readers have all released it serves the next request of the same format and size.
+/// A texture whose readers have all released it serves the next request of the same format and
+/// size.
 class TexturePool
 {
 public:

@@ -61,8 +61,8 @@ bool makeFolder(const QString& path, QString& error)
 /// The numbers that the target has found.
 void printTarget(GalleryGraph& graph, QTextStream& out)
 {
-    const Kestrin::Orv::RenderPass* pass
-        = graph.renderer().renderPass(graph.renderer().getTarget());
+    const Kestrin::Orv::RenderPass* pass =
+        graph.renderer().renderPass(graph.renderer().getTarget());
     for (int i = 0; pass && i < pass->numOutputs(); ++i) {
         const QVariant value = pass->output(i);
         if (value.canConvert<double>())
@@ -124,8 +124,8 @@ int main(int argc, char* argv[])
     Gallery::Options options;
     QString error;
     QTextStream out(stdout);
-    bool done = options.parse(QCoreApplication::arguments(), error)
-        && Gallery::run(options, out, error);
+    bool done =
+        options.parse(QCoreApplication::arguments(), error) && Gallery::run(options, out, error);
     out.flush();
     if (done && (out.status() != QTextStream::Ok || std::fflush(stdout) != 0)) {
         error = QStringLiteral("cannot write to standard output");

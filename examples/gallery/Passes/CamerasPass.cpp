@@ -16,12 +16,12 @@ namespace Gallery {
 
 namespace {
 
-const float fieldOfView = 28;   // degrees, vertically
-const float elevation = 22;     // degrees, of the camera above the horizon
-const float margin = 1.06F;     // of the model to the border of the picture
+const float fieldOfView = 28; // degrees, vertically
+const float elevation = 22;   // degrees, of the camera above the horizon
+const float margin = 1.06F;   // of the model to the border of the picture
 
-/// The least distance from which the upright cylinder around the model fits into the picture at every
-/// angle of the turn, so that the model does not pulsate while it turns.
+/// The least distance from which the upright cylinder around the model fits into the picture at
+/// every angle of the turn, so that the model does not pulsate while it turns.
 float fittingDistance(const Model& model, float aspect)
 {
     const float tanY = std::tan(qDegreesToRadians(fieldOfView / 2)) / margin;
@@ -33,11 +33,11 @@ float fittingDistance(const Model& model, float aspect)
         const float angle = float(M_PI) * float(step) / 32;
         const float across = model.radius * std::cos(angle);
         const float along = model.radius * std::sin(angle); // towards the camera
-        for (const float height : { -model.halfHeight, model.halfHeight }) {
+        for (const float height : {-model.halfHeight, model.halfHeight}) {
             const float towards = along * cosine + height * sine;
             const float up = height * cosine - along * sine;
-            distance = std::max({ distance, towards + std::abs(across) / tanX,
-                                  towards + std::abs(up) / tanY });
+            distance = std::max(
+                {distance, towards + std::abs(across) / tanX, towards + std::abs(up) / tanY});
         }
     }
     return distance;

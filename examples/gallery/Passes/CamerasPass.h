@@ -11,7 +11,8 @@ namespace Gallery {
 /// Places the camera, which looks at the model from a circle around it, and the light.
 ///
 /// Inputs: "Angle" in degrees, "LightDirection" towards the light.
-/// Outputs: the matrices "View", "Projection" and "LightMatrix" (world to the shadow map's clip space).
+/// Outputs: the matrices "View", "Projection" and "LightMatrix" (world to the shadow map's clip
+/// space).
 class CamerasPass : public Kestrin::Orv::RenderPassHelper
 {
 public:

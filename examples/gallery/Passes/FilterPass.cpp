@@ -20,8 +20,8 @@ QByteArray uniformName(const QString& inputName)
 
 GLuint makeFlatTexture(const QColor& color)
 {
-    const GLubyte texel[4] = { GLubyte(color.red()), GLubyte(color.green()), GLubyte(color.blue()),
-                               GLubyte(color.alpha()) };
+    const GLubyte texel[4] = {GLubyte(color.red()), GLubyte(color.green()), GLubyte(color.blue()),
+                              GLubyte(color.alpha())};
     GLuint name = 0;
     glGenTextures(1, &name);
     glBindTexture(GL_TEXTURE_2D, name);
@@ -41,7 +41,7 @@ FilterPass::FilterPass(const QString& name, const QString& shader)
 FilterPass* FilterPass::texture(const char* inputName, const QColor& defaultColor)
 {
     const QString name = QString::fromLatin1(inputName);
-    samplers.append({ addInput(name, defaultColor), uniformName(name), 0 });
+    samplers.append({addInput(name, defaultColor), uniformName(name), 0});
     return this;
 }
 
@@ -81,7 +81,7 @@ void FilterPass::teardown(Kestrin::Orv::RenderCallbacks* callbacks)
 
 QSize FilterPass::targetSize(const QSize& frameSize) const
 {
-    return { std::max(1, frameSize.width() / divisor), std::max(1, frameSize.height() / divisor) };
+    return {std::max(1, frameSize.width() / divisor), std::max(1, frameSize.height() / divisor)};
 }
 
 void FilterPass::draw(Kestrin::Orv::RenderCallbacks& callbacks)

@@ -10,9 +10,9 @@ namespace Gallery {
 
 /// Fills its targets with one full-screen triangle.
 ///
-/// The fragment shader of the input "Color" finds its texture in the sampler "uColor", and in the int
-/// "uColorLive" whether a pass fed it. Otherwise the texture is of one colour, the input's default.
-/// Other inputs arrive in uniforms of the same kind of name.
+/// The fragment shader of the input "Color" finds its texture in the sampler "uColor", and in the
+/// int "uColorLive" whether a pass fed it. Otherwise the texture is of one colour, the input's
+/// default. Other inputs arrive in uniforms of the same kind of name.
 class FilterPass : public GalleryPass
 {
 public:

@@ -26,7 +26,7 @@ GeometryPass* GeometryPass::makeGBuffer()
     pass->setShaders(QStringLiteral("Geometry.vert"), QStringLiteral("GBuffer.frag"));
     pass->addInput(QStringLiteral("View"), QMatrix4x4());
     pass->addInput(QStringLiteral("Projection"), QMatrix4x4());
-    pass->addTarget(QStringLiteral("Albedo"), GL_SRGB8_ALPHA8);
+    pass->addTarget(QStringLiteral("Albedo"), GL_RGBA8);
     pass->addTarget(QStringLiteral("Normal"), GL_RGBA16F);
     pass->addTarget(QStringLiteral("Depth"), GL_DEPTH_COMPONENT24);
     return pass;

@@ -19,14 +19,14 @@ LightMeterPass::LightMeterPass()
 
 QSize LightMeterPass::targetSize(const QSize&) const
 {
-    return { 1, 1 };
+    return {1, 1};
 }
 
 void LightMeterPass::endFrame(Kestrin::Orv::RenderCallbacks* callbacks)
 {
     const auto meter = outputs.at(0).value.value<Texture>();
     if (meter.name && error == 0) {
-        float texel[4] = { 0, 0, 0, 0 };
+        float texel[4] = {0, 0, 0, 0};
         readPixels(meter, GL_FLOAT, texel);
         outputs[luminance].value = std::exp2(texel[0]);
     }

@@ -21,7 +21,7 @@ void main()
     int tile = int(at.x) + 3 * int(at.y);
     vec3 color;
     if (tile == 0)
-        color = sqrt(texture(uAlbedo, uv).rgb);
+        color = texture(uAlbedo, uv).rgb;
     else if (tile == 1)
         color = texture(uNormal, uv).xyz * 0.5 + 0.5;
     else if (tile == 2)

@@ -17,6 +17,6 @@ void main()
     // Surfaces have two sides, whatever way their triangles are wound.
     if (dot(normal, vPosition) > 0.0)
         normal = -normal;
-    oAlbedo = vec4(uBaseColor, uMetallic);
+    oAlbedo = vec4(sqrt(uBaseColor), uMetallic); // dark colours get finer steps
     oNormal = vec4(normal, uRoughness);
 }

@@ -17,22 +17,22 @@ uniform vec3 uLightDirection;
 layout(location = 0) out vec4 oColor;
 layout(location = 1) out vec4 oTerms; // red: light that arrives, green: ambient light that arrives
 
-const vec3 sunColor = vec3(3.3, 3.1, 2.8);
+const vec3 sunColor = vec3(3.1, 2.8, 2.35);
 
 vec3 background(vec2 uv)
 {
     float vignette = length((uv - vec2(0.5, 0.55)) * vec2(1.1, 1.0));
-    return mix(vec3(0.62, 0.65, 0.70), vec3(0.17, 0.19, 0.23), smoothstep(0.05, 0.85, vignette));
+    return mix(vec3(0.24, 0.27, 0.32), vec3(0.035, 0.042, 0.055), smoothstep(0.0, 0.8, vignette));
 }
 
 // A studio: light from above, two wide lamps, a dim floor.
 vec3 environment(vec3 direction, float roughness)
 {
     float blur = mix(0.06, 0.7, roughness);
-    vec3 light = mix(vec3(0.20, 0.19, 0.18), vec3(0.55, 0.60, 0.68),
+    vec3 light = mix(vec3(0.10, 0.09, 0.08), vec3(0.40, 0.45, 0.54),
                      smoothstep(-0.3 - blur, 0.5 + blur, direction.y));
-    float key = dot(direction, normalize(vec3(-0.5, 0.55, 0.65)));
-    float rim = dot(direction, normalize(vec3(0.85, 0.25, -0.35)));
+    float key = dot(direction, normalize(vec3(0.5, 0.55, -0.65)));
+    float rim = dot(direction, normalize(vec3(-0.85, 0.25, 0.35)));
     float gain = mix(1.6, 0.35, roughness);
     light += gain * vec3(1.15, 1.08, 1.0) * smoothstep(0.86 - blur, 0.93 + blur * 0.3, key);
     light += gain * vec3(0.7, 0.85, 1.1) * smoothstep(0.80 - blur, 0.90 + blur * 0.3, rim);
@@ -93,9 +93,10 @@ void main()
         return;
     }
     vec4 albedo = texture(uAlbedo, vUv);
+    albedo.rgb *= albedo.rgb;
     vec4 surface = texture(uNormal, vUv);
     float occlusion = texture(uOcclusion, vUv).r;
-    float roughness = clamp(surface.w, 0.25, 1.0);
+    float roughness = clamp(surface.w, 0.1, 1.0);
     float metallic = albedo.a;
     vec3 position = viewPosition(vUv, depth, uProjection);
     mat3 worldFromView = transpose(mat3(uView));
@@ -111,8 +112,8 @@ void main()
     float lit = nl > 0.0 ? shadow(world, n, nl) : 0.0;
     vec3 color = lit * nl * sunColor * (diffuse / PI + specular(n, v, l, f0, roughness));
 
-    vec3 skyLight = mix(vec3(0.30, 0.28, 0.26), vec3(0.75, 0.80, 0.90), n.y * 0.5 + 0.5);
-    color += occlusion * diffuse * skyLight * 0.75;
+    vec3 skyLight = mix(vec3(0.10, 0.09, 0.085), vec3(0.30, 0.36, 0.47), n.y * 0.5 + 0.5);
+    color += occlusion * diffuse * skyLight;
     vec3 reflected = environment(reflect(-v, n), roughness);
     color += mix(1.0, occlusion, 0.8) * environmentReflectance(f0, roughness, nv) * reflected;
 

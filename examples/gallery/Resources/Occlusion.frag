@@ -12,7 +12,7 @@ out vec4 oOcclusion;
 
 const int numSamples = 16;
 const float radius = 0.28; // of a model of radius 1
-const float strength = 1.9;
+const float strength = 3.0;
 
 // Gathers what rises above the surface on a spiral around the point.
 void main()

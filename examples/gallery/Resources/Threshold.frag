@@ -7,9 +7,9 @@ uniform sampler2D uColor;
 
 out vec4 oBright;
 
-const float knee = 1.15;
+const float knee = 0.9;
 
-// Keeps what is brighter than white; the cap keeps one glint from lighting up everything.
+// Keeps the brightest parts; the cap keeps one glint from lighting up everything.
 void main()
 {
     vec3 color = texture(uColor, vUv).rgb;
