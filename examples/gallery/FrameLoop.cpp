@@ -88,13 +88,14 @@ bool FrameLoop::renderFrames(QString& error)
 bool FrameLoop::bringUp(QString& error)
 {
     graph.renderer().setParameter(graph.staggered, true);
+    const int numPasses = graph.executionOrder().size();
     int frames = 0;
     do {
         if (!renderFrame(options.firstFrame, error))
             return false;
         endFrame();
         ++frames;
-    } while (graph.renderer().getGraphProcessingMode() != upInLastFrame);
+    } while (graph.renderer().getGraphProcessingMode() != upInLastFrame && frames < numPasses);
     out << callbacks.started.size() << " passes came up in " << frames << " frames\n";
     return true;
 }

@@ -76,6 +76,7 @@ void TexturePool::release(const Texture& texture)
     if (texture.slot < 0)
         return;
     Slot& slot = slots[texture.slot];
+    Q_ASSERT(!slot.available);
     if (--slot.users <= 0)
         slot.available = reuse;
 }
