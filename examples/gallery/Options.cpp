@@ -62,7 +62,7 @@ bool Options::parse(const QStringList& arguments, QString& error)
                        "a frame is the same whichever range it is part of. The jobs of an array "
                        "can split a turn:\n"
                        "  gallery --frames 0-59 --out turn & gallery --frames 60-119 --out turn"));
-    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption help(QStringLiteral("help"), QStringLiteral("Print this text."));
     const QCommandLineOption version(QStringLiteral("version"),
                                      QStringLiteral("Print the library's version."));
     const QCommandLineOption sizeOption(QStringLiteral("size"),

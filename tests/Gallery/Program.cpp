@@ -55,6 +55,6 @@ ProgramRun GalleryTest::render(const QString& name, const QStringList& options)
                                QStringLiteral("--out"), folder(name)}
                    + options);
     EXPECT_EQ(run.exitCode, 0) << qPrintable(run.err);
-    EXPECT_EQ(run.err, QString());
+    EXPECT_TRUE(run.err.isEmpty()) << qPrintable(run.err);
     return run;
 }
