@@ -41,8 +41,8 @@ QString executablePath()
 QString resourcesPath()
 {
     if (cachedResourcesPath.isEmpty()) {
-        cachedResourcesPath
-            = QFileInfo(executablePath()).canonicalPath() + QStringLiteral("/Resources");
+        cachedResourcesPath =
+            QFileInfo(executablePath()).canonicalPath() + QStringLiteral("/Resources");
     }
     return cachedResourcesPath;
 }
