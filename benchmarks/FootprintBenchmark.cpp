@@ -127,7 +127,9 @@ Renderer& rendererOf(bool staggered)
     return cache.get(staggered ? "staggered" : "plain", [staggered] {
         auto renderer = std::make_unique<Renderer>();
         build(wrapped(layered(20, 5, Order::SinkFirst)), *renderer,
-              [](int numInputs, int numOutputs) { return new MixPass(numInputs, numOutputs); });
+              [](int ref, int numInputs, int numOutputs) {
+                  return new MixPass(ref, numInputs, numOutputs);
+              });
         if (staggered)
             renderer->addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), true);
         renderer->setup(nullptr);

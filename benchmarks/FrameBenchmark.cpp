@@ -27,9 +27,9 @@ namespace flow = oneapi::tbb::flow;
 using Flow = FlowFrame<flow::queueing>;
 using LightweightFlow = FlowFrame<flow::lightweight>;
 
-MixPass* makePass(int numInputs, int numOutputs)
+MixPass* makePass(int ref, int numInputs, int numOutputs)
 {
-    return new MixPass(numInputs, numOutputs);
+    return new MixPass(ref, numInputs, numOutputs);
 }
 
 std::unique_ptr<Renderer> makeRenderer(const Shape& shape, bool staggered)

@@ -96,7 +96,7 @@ struct Frames
 {
     explicit Frames(int size)
     {
-        build(shapeOf(size), renderer, [](int, int) { return new SmallPass; });
+        build(shapeOf(size), renderer, [](int, int, int) { return new SmallPass; });
         renderer.setup(nullptr);
         loop = std::make_unique<HandWrittenFrame>(shapeOf(size), renderer);
         renderer.setParameter(0, 7u);

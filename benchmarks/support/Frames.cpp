@@ -19,7 +19,8 @@ std::size_t at(int index)
 
 } // namespace
 
-MixPass::MixPass(int numInputs, int numOutputs)
+MixPass::MixPass(int seed, int numInputs, int numOutputs)
+    : ownSeed(static_cast<uint>(seed))
 {
     for (int i = 0; i < numInputs; ++i)
         addInput(QStringLiteral("input%1").arg(i), 1u);
@@ -29,9 +30,11 @@ MixPass::MixPass(int numInputs, int numOutputs)
 
 void MixPass::start(Kestrin::Orv::RenderCallbacks*)
 {
-    uint mix = 2166136261u;
-    for (const auto& input : qAsConst(inputs))
-        mix = (mix ^ input.value.toUInt()) * 16777619u;
+    uint mix = ownSeed;
+    for (const auto& input : qAsConst(inputs)) {
+        mix = (mix ^ input.value.toUInt()) * 2654435769u;
+        mix ^= mix >> 15;
+    }
     outputs[0].value = mix;
 }
 

@@ -17,17 +17,21 @@
 
 namespace OrvBench {
 
-/// A pass with little work of its own: its one output mixes all its inputs.
+/// A pass with little work of its own: its one output mixes all its inputs, their order and its seed.
 class MixPass : public Kestrin::Orv::RenderPassHelper
 {
 public:
-    MixPass(int numInputs, int numOutputs);
+    MixPass(int seed, int numInputs, int numOutputs);
     void start(Kestrin::Orv::RenderCallbacks*) override;
     void skip(Kestrin::Orv::RenderCallbacks*) override { }
+
+private:
+    uint ownSeed;
 };
 
 /// Builds the shape in a renderer: its root's one input is a parameter, its root's outputs are the
-/// renderer's, every node that is no group is a pass that `makePass` makes.
+/// renderer's, every node that is no group is a pass that `makePass` makes of its ref
+/// and port counts.
 template<typename MakePass>
 void build(const Shape& shape, Kestrin::Orv::Renderer& renderer, MakePass makePass);
 
@@ -161,7 +165,8 @@ void build(const Shape& shape, Kestrin::Orv::Renderer& renderer, MakePass makePa
         if (node.isGroup)
             renderer.addGroup(node.name, node.numInputs, node.numOutputs, node.parent);
         else
-            renderer.addPass(node.name, makePass(node.numInputs, node.numOutputs), node.parent);
+            renderer.addPass(node.name, makePass(ref, node.numInputs, node.numOutputs),
+                             node.parent);
     }
     connect(shape, *renderer.getGraph());
 }
