@@ -168,6 +168,25 @@ std::vector<int> expectedEnds(const Graph& graph)
     return ends;
 }
 
+/// Whether every live edge is named by the output that it leaves and the input that it enters.
+bool portsAgree(const Graph& graph)
+{
+    for (int edge = 0; edge < graph.numEdgesGlobal(); ++edge) {
+        const int src = graph.edgeSourceNode(edge);
+        const int output = graph.edgeSourceIndex(edge);
+        bool named = false;
+        for (int i = 0; i < graph.numOutputDestinations(src, output); ++i)
+            named |= graph.outputDestination(src, output, i) == edge;
+        // The edges of the root's ports enter outputs or leave inputs.
+        const bool touchesRoot =
+            src == Graph::kRootNodeRef || graph.edgeDestNode(edge) == Graph::kRootNodeRef;
+        const int fed = graph.inputSource(graph.edgeDestNode(edge), graph.edgeDestIndex(edge));
+        if (!touchesRoot && (!named || fed != edge))
+            return false;
+    }
+    return true;
+}
+
 void comparePurge(const Shape& shape)
 {
     const auto graph = makeGraphToPurge(shape);
@@ -179,6 +198,7 @@ void comparePurge(const Shape& shape)
     requireEqual(expectedEnds(*graph), expected, "edges left by purge");
     requireEqual(4 * graph->numEdgesGlobal(), static_cast<int>(expected.size()),
                  "number of edges left by purge");
+    requireSame(portsAgree(*graph), "the edges that ports name after purge");
     const auto again = makeGraphToPurge(shape);
     requireEqual(readAll(*again), readAll(*makeGraphToPurge(shape)), "reads");
 }
