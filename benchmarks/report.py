@@ -96,7 +96,11 @@ def read(folder):
                 sys.exit(f"{run['name']} failed: {run.get('error_message')}")
             topic, work, subject, size = run["name"].split("/")[:4]
             rows.setdefault((topic, work, int(size)), {}).setdefault(subject, []).append(run)
-    return rows, context
+    # The runs are in random order.
+    order = list(SUBJECTS)
+    ordered = {key: dict(sorted(rows[key].items(), key=lambda item: order.index(item[0])))
+               for key in sorted(rows)}
+    return ordered, context
 
 
 UNITS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
@@ -169,7 +173,7 @@ def target_of(topic, work, size, subject):
 def topic_table(rows, topic):
     lines = ["| Work | Size | libOrvCore | Beside | Time | Ratio | Target |",
              "|---|---:|---:|---|---:|---:|---|"]
-    for (row_topic, work, size), subjects in sorted(rows.items(), key=lambda item: item[0]):
+    for (row_topic, work, size), subjects in rows.items():
         if row_topic != topic or "orv" not in subjects:
             continue
         own = median(subjects["orv"])
@@ -217,13 +221,13 @@ def slope(points):
 
 
 def series(rows, topic, work):
-    """subject -> [(size, median)] in ascending size, the library's first."""
+    """subject -> [(size, median)] in ascending size."""
     result = {}
-    for (row_topic, row_work, size), subjects in sorted(rows.items(), key=lambda item: item[0]):
+    for (row_topic, row_work, size), subjects in rows.items():
         if (row_topic, row_work) == (topic, work):
             for subject, runs in subjects.items():
                 result.setdefault(subject, []).append((size, median(runs)))
-    return dict(sorted(result.items(), key=lambda item: item[0] != "orv"))
+    return result
 
 
 def escape(text):
@@ -333,8 +337,8 @@ def main(results, docs):
     text += ["", "## Memory", "",
              "Heap bytes, with what the allocator adds to each block, in a chain of 10,000 nodes:", ""]
     text += counter_table(rows, "bytes", "bytes", "Bytes")
-    text += ["", "Allocations that an operation makes, and what its description allows. What exceeds "
-             "that is set in bold:", ""]
+    text += ["", "Allocations that an operation makes, and how many it may make: what its description "
+             "names, one more for a walk. What exceeds that is set in bold:", ""]
     text += counter_table(rows, "allocations", "allocations", "Allocations")
 
     with open(os.path.join(docs, "benchmarks.md"), "w", encoding="utf-8") as file:
