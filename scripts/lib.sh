@@ -31,10 +31,15 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [CMAKE_OPTION...]: configures and builds into build/PRESET.
+# build PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures and builds, into build/PRESET if no
+# directory is given.
 build() {
-    local preset=$1
+    local preset=$1 directory=build/$1
     shift
-    cmake --preset "$preset" -G Ninja "$@"
-    cmake --build "build/$preset"
+    if [ "${1:-}" = -B ]; then
+        directory=$2
+        shift 2
+    fi
+    cmake --preset "$preset" -G Ninja -B "$directory" "$@"
+    cmake --build "$directory"
 }
