@@ -206,6 +206,8 @@ GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 void GalleryGraph::wire()
 {
     // Passes to passes first: what is left unfed is then fed from the renderer's parameters.
+    // A group's output feeds one reader. For more of them, or across two group borders at once, the
+    // renderer counts too few readers, and a texture would return to the pool too early.
     graph.connectByName(cameras, shadowMap);
     graph.connectByName(cameras, gBuffer);
     graph.connectNamedGroups(gBuffer, QStringLiteral("Surface"), occlusion,

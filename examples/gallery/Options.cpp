@@ -106,9 +106,9 @@ bool Options::parse(const QStringList& arguments, QString& error)
     const QCommandLineOption noPoolOption(
         QStringLiteral("no-pool"),
         QStringLiteral("Give every output of a pass a texture of its own."));
-    parser.addOptions({version, sizeOption, framesOption, turnOption, outOption, disableOption,
-                       targetOption, staggeredOption, listOption, timesOption, verboseOption,
-                       graphOption, noPoolOption, resourcesOption});
+    parser.addOptions({help, version, sizeOption, framesOption, turnOption, outOption,
+                       disableOption, targetOption, staggeredOption, listOption, timesOption,
+                       verboseOption, graphOption, noPoolOption, resourcesOption});
     parser.addPositionalArgument(
         QStringLiteral("model"),
         QStringLiteral("Model file, of any format that assimp reads (an engine of two cylinders)."),

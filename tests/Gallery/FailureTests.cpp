@@ -18,7 +18,7 @@ struct BadInput
 
 void PrintTo(const BadInput& input, std::ostream* out)
 {
-    *out << input.arguments;
+    *out << input.name;
 }
 
 /// One line on stderr that begins with the program's name, and exit code 1.
