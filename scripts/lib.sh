@@ -12,7 +12,7 @@ build_packages=(
     graphviz
 )
 test_packages=(
-    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
+    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.
