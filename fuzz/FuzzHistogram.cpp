@@ -40,8 +40,8 @@ public:
         std::vector<QString> lines;
         if (frames == 0)
             return lines;
-        lines.push_back(QString::asprintf("debug TIME DUMP %6u frames %6u us %6u us", frames, total,
-                                          minimum));
+        lines.push_back(
+            QString::asprintf("debug TIME DUMP %6u frames %6u us %6u us", frames, total, minimum));
         for (const auto& [bucket, count] : buckets) {
             const char mark = bucket == peakBucket ? '<' : count > peakCount / 10 ? '|' : ' ';
             lines.push_back(QString::asprintf("debug       %6u us %6u %c", bucket, count, mark));

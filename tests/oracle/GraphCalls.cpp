@@ -9,8 +9,14 @@
 // A port count beyond all memory is to end as std::bad_alloc under the sanitizers too.
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_options();
-const char* __asan_default_options() { return "allocator_may_return_null=1"; }
-const char* __tsan_default_options() { return "allocator_may_return_null=1"; }
+const char* __asan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+const char* __tsan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
 
 namespace {
 

@@ -45,7 +45,8 @@ public:
 
     unsigned long size() const override;
     /// Makes a new mapping on each call, even of a range that is mapped already; valid until it is
-    /// released or this object is destroyed. Also null when the system refuses, as for 0 bytes.
+    /// released or this object is destroyed. Also null when the system refuses, as it does for 0 bytes at
+    /// the start of a page.
     unsigned char* get(unsigned long offset, unsigned long size) override;
     void release(unsigned char* range) override;
 
