@@ -66,8 +66,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     for (int calls = 0; calls < 60 && !bytes.empty(); ++calls) {
         const unsigned long offset = number(), count = number();
         unsigned char* range = file.get(offset, count);
-        const bool inside =
-            offset < length && static_cast<unsigned __int128>(offset) + count <= length;
+        const bool inside = offset < length && count <= length - offset;
         // No bytes at all are a mapping of their own only behind the start of a page.
         expect((range != nullptr) == (inside && (count > 0 || offset % 4096 != 0)),
                "a range inside the file, and only that, is lent");

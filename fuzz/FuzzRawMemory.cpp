@@ -31,9 +31,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     for (int calls = 0; calls < 200 && !bytes.empty(); ++calls) {
         const unsigned long offset = number(), count = number();
         unsigned char* range = memory.get(offset, count);
-        // In a wider type, so that the sum cannot wrap.
-        const bool inside =
-            offset < length && static_cast<unsigned __int128>(offset) + count <= length;
+        const bool inside = offset < length && count <= length - offset;
         expect(range == (inside ? buffer + offset : nullptr), "the range differs");
         if (inside && count > 0) {
             range[0] = 1;
