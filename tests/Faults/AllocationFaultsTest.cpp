@@ -170,7 +170,7 @@ TEST(AllocationFaults, ReachTheLibraryAtAll)
 {
     Graph graph;
     const Shortage shortage(0);
-    EXPECT_TRUE(perform(graph, call(GraphOp::addNode, { 3, 3, 0 }, { kName })).badAlloc);
+    EXPECT_TRUE(perform(graph, call(GraphOp::addNode, {3, 3, 0}, {kName})).badAlloc);
 }
 
 TEST(AllocationFaults, AShortageWhileEditingReachesTheCallerAndLeavesTheGraphAsItWas)

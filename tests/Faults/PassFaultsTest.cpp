@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "oracle/RecordingPass.h"
+#include "oracle/ScriptedPass.h"
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Renderer.h>
@@ -35,7 +35,7 @@ public:
         graph.addUpEdge(0, nodes[2], 0);
     }
 
-    RecordingPass* addPass() { return new RecordingPass(events, numPasses++, 1, 1); }
+    ScriptedPass* addPass() { return new ScriptedPass(events, numPasses++, 1, 1); }
 
     int count(int pass, PassCall call) const
     {
@@ -73,7 +73,7 @@ public:
 
     std::vector<PassEvent> events; // outlives the renderer, whose passes write to it
     int numPasses = 0;
-    RecordingPass* passes[3];
+    ScriptedPass* passes[3];
     int nodes[3];
     std::unique_ptr<Renderer> renderer = std::make_unique<Renderer>();
 };
@@ -162,7 +162,7 @@ TEST(PassFaults, APassThatThrowsDuringRegistrationIsOwnedNevertheless)
          {PassCall::numInputs, PassCall::numOutputs, PassCall::inputName, PassCall::outputName}) {
         SCOPED_TRACE(describe(3, call, 0));
         Chain chain;
-        RecordingPass* pass = chain.addPass();
+        ScriptedPass* pass = chain.addPass();
         pass->throwsAt = static_cast<int>(call);
         EXPECT_THROW(chain.renderer->addPass(QString(), pass, Graph::kRootNodeRef), PassFailure);
         chain.renderer->setup(nullptr);
@@ -174,8 +174,8 @@ TEST(PassFaults, APassThatThrowsDuringRegistrationIsOwnedNevertheless)
 TEST(PassFaults, APassWithMorePortsThanMemoryHoldsIsOwnedNevertheless)
 {
     Chain chain;
-    RecordingPass* pass =
-        new RecordingPass(chain.events, chain.numPasses++, std::numeric_limits<int>::max(), 0);
+    ScriptedPass* pass =
+        new ScriptedPass(chain.events, chain.numPasses++, std::numeric_limits<int>::max(), 0);
     EXPECT_THROW(chain.renderer->addPass(QString(), pass, Graph::kRootNodeRef), std::bad_alloc);
     EXPECT_EQ(chain.renderer->getGraph()->numNodesGlobal(), 4);
     chain.renderer->setup(nullptr);

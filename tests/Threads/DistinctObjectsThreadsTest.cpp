@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "oracle/GraphCalls.h"
-#include "oracle/RecordingPass.h"
+#include "oracle/ScriptedPass.h"
 
 #include <Kestrin/Orv/HistogramFrameTimes.h>
 #include <Kestrin/Orv/Renderer.h>
@@ -79,7 +79,7 @@ TEST(DistinctObjects, RenderersInDifferentThreadsDoNotDisturbEachOther)
         renderer.addOutput(QString());
         int downstream = 0;
         for (int i = 0; i < 20; ++i) {
-            const int node = renderer.addPass(QString(), new RecordingPass(events, i, 1, 1), 0);
+            const int node = renderer.addPass(QString(), new ScriptedPass(events, i, 1, 1), 0);
             i == 0 ? graph.addUpEdge(0, node, 0) : graph.addEdge(node, 0, downstream, 0);
             downstream = node;
         }

@@ -4,6 +4,7 @@
 #include "GraphHistory.h"
 
 #include "MessageSink.h"
+#include "support/GraphInvariants.h"
 
 #include <algorithm>
 
@@ -17,6 +18,26 @@ std::string lines(const std::vector<QString>& messages)
     return text;
 }
 
+/// Whether a call is one of those that keep the invariants in any case.
+bool keepsInvariants(const GraphCall& call, const Oracle::Graph& graph)
+{
+    switch (call.op) {
+    case GraphOp::removeInput:
+    case GraphOp::removeOutput:
+    case GraphOp::purge:
+        return false;
+    case GraphOp::addEdge:
+    case GraphOp::connectGroups:
+        return graph.parentNode(call.ints[0]) == graph.parentNode(call.ints[2]);
+    case GraphOp::addEdgeByName:
+    case GraphOp::connectByName:
+    case GraphOp::connectNamedGroups:
+        return graph.parentNode(call.ints[0]) == graph.parentNode(call.ints[1]);
+    default:
+        return true;
+    }
+}
+
 } // namespace
 
 std::string GraphHistory::run(const std::vector<GraphStep>& steps) const
@@ -25,6 +46,8 @@ std::string GraphHistory::run(const std::vector<GraphStep>& steps) const
     Kestrin::Orv::Graph graph;
     Oracle::Graph model;
     std::vector<GraphCall> calls;
+    GraphInvariants invariants(graph);
+    bool invariantsHold = true;
 
     const auto failure = [&calls](const std::string& what) {
         std::string text = what + "\nGraph graph;\n";
@@ -51,10 +74,11 @@ std::string GraphHistory::run(const std::vector<GraphStep>& steps) const
             if (!found.empty())
                 return failure(found);
         }
-        if (check) {
-            const std::string wrong = check(graph);
-            if (!wrong.empty())
-                return failure(wrong);
+        invariantsHold = invariantsHold && keepsInvariants(calls.back(), model);
+        if (checkInvariantsAfterEachCall && invariantsHold) {
+            const GraphInvariants::Violations violations = invariants.check();
+            if (!violations.empty())
+                return failure("violates " + violations.front());
         }
     }
     const std::string found = difference(graph, model);

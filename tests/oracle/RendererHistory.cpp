@@ -4,8 +4,8 @@
 #include "RendererHistory.h"
 
 #include "MessageSink.h"
-#include "RecordingPass.h"
 #include "RendererOracle.h"
+#include "ScriptedPass.h"
 
 #include <Kestrin/Orv/Renderer.h>
 
@@ -68,7 +68,7 @@ template<typename R>
 struct Side
 {
     std::vector<PassEvent> events;
-    std::vector<RecordingPass*> passes; // owned by the renderer
+    std::vector<ScriptedPass*> passes; // owned by the renderer
     std::unique_ptr<R> renderer = std::make_unique<R>();
     bool open = false;
     bool isModel = false;
@@ -76,11 +76,11 @@ struct Side
 
     int addPass(const QString& name, int numInputs, int numOutputs, int parent)
     {
-        passes.push_back(new RecordingPass(events, numPasses++, numInputs, numOutputs));
+        passes.push_back(new ScriptedPass(events, numPasses++, numInputs, numOutputs));
         return renderer->addPass(name, passes.back(), parent);
     }
 
-    RecordingPass& pass(int index)
+    ScriptedPass& pass(int index)
     {
         if (passes.empty()) // a place to write to
             addPass(QString(), 0, 0, 0);
@@ -95,7 +95,7 @@ struct Side
 
     void callBack(int index, int at, int action, int node)
     {
-        RecordingPass& caller = pass(index);
+        ScriptedPass& caller = pass(index);
         caller.callsBackAt = at;
         caller.callback = [this, action, node] {
             R& r = *renderer;

@@ -41,8 +41,9 @@ public:
         /// The file name of the "[File.cpp:123] " prefix.
         QString prefixFile() const
         {
-            return text.startsWith(QLatin1Char('[')) ? text.mid(1, text.indexOf(QLatin1Char(':')) - 1)
-                                                     : QString();
+            return text.startsWith(QLatin1Char('['))
+                ? text.mid(1, text.indexOf(QLatin1Char(':')) - 1)
+                : QString();
         }
     };
 
@@ -76,10 +77,9 @@ private:
     {
         MessageRecorder* recorder = current();
         const std::lock_guard<std::mutex> lock(recorder->mutex);
-        recorder->recorded.push_back({ level, text, context.version,
-                                       context.category ? context.category : "(null)",
-                                       context.file != nullptr, context.line,
-                                       context.function != nullptr });
+        recorder->recorded.push_back(
+            {level, text, context.version, context.category ? context.category : "(null)",
+             context.file != nullptr, context.line, context.function != nullptr});
     }
 
     mutable std::mutex mutex;

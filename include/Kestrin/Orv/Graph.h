@@ -317,6 +317,8 @@ public:
     /// @}
 
 private:
+    friend const struct GraphTables& tablesOf(const Graph& graph); // for the library's own sources
+
     struct ORV_NO_EXPORT Impl;
     Impl* impl;
 };

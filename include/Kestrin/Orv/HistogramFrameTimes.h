@@ -46,13 +46,13 @@ public:
     virtual void dump();
 
 protected:
-    QMutex mutex; ///< guards all fields below
+    QMutex mutex;                             ///< guards all fields below
     QMap<unsigned int, unsigned int> buckets; ///< bucket in microseconds to number of frames
-    std::atomic<quint32> frameCount;  ///< frames counted; also read without the lock
+    std::atomic<quint32> frameCount;          ///< frames counted; also read without the lock
     std::atomic<quint32> totalTimeUS; ///< sum of the buckets counted; also read without the lock
-    quint32 minTimeUS;    ///< smallest bucket counted; 1000000 when empty
-    quint32 peakBucketUS; ///< the bucket that was first to reach `peakCount`
-    quint32 peakCount;    ///< the highest count of a bucket
+    quint32 minTimeUS;                ///< smallest bucket counted; 1000000 when empty
+    quint32 peakBucketUS;             ///< the bucket that was first to reach `peakCount`
+    quint32 peakCount;                ///< the highest count of a bucket
 };
 
 } // namespace Orv

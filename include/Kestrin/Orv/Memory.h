@@ -45,8 +45,7 @@ public:
 
     unsigned long size() const override;
     /// Makes a new mapping on each call, even of a range that is mapped already; valid until it is
-    /// released or this object is destroyed. Also null when the system refuses, as it does for 0 bytes at
-    /// the start of a page.
+    /// released or this object is destroyed. Also null when the system refuses.
     unsigned char* get(unsigned long offset, unsigned long size) override;
     void release(unsigned char* range) override;
 

@@ -55,7 +55,7 @@ private:
     bool followHierarchy;
     unsigned char* visited; // by node ref, for the refs below the number of the root's children
     WalkFrame* stack;
-    int numVisited;            // length of `visited`
+    int numVisited;             // length of `visited`
     QBitArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
 };
 
@@ -110,6 +110,7 @@ private:
     int* queue;
     int head;
     int tail;
+    int numNodes; // length of `visited`
 };
 
 } // namespace Orv

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef ORV_TESTS_RECORDINGPASS_H
-#define ORV_TESTS_RECORDINGPASS_H
+#ifndef ORV_TESTS_SCRIPTEDPASS_H
+#define ORV_TESTS_SCRIPTEDPASS_H
 
 #include <Kestrin/Orv/RenderPass.h>
 
@@ -11,28 +11,28 @@
 #include <string>
 #include <vector>
 
-#define ORV_PASS_CALLS(X)                                                                           \
-    X(setup)                                                                                        \
-    X(beginFrame)                                                                                   \
-    X(start)                                                                                        \
-    X(skip)                                                                                         \
-    X(endFrame)                                                                                     \
-    X(isFinished)                                                                                   \
-    X(teardown)                                                                                     \
-    X(numInputs)                                                                                    \
-    X(numOutputs)                                                                                   \
-    X(inputName)                                                                                    \
-    X(outputName)                                                                                   \
-    X(setInput)                                                                                     \
-    X(defaultValue)                                                                                 \
-    X(output)                                                                                       \
-    X(setNumOutputUsers)                                                                            \
-    X(resetNumOutputUsers)                                                                          \
-    X(errorCode)                                                                                    \
-    X(clearErrorCode)                                                                               \
-    X(teardownContextData)                                                                          \
-    X(setDefaultValue)                                                                              \
-    X(setErrorCode)                                                                                 \
+#define ORV_PASS_CALLS(X)                                                                          \
+    X(setup)                                                                                       \
+    X(beginFrame)                                                                                  \
+    X(start)                                                                                       \
+    X(skip)                                                                                        \
+    X(endFrame)                                                                                    \
+    X(isFinished)                                                                                  \
+    X(teardown)                                                                                    \
+    X(numInputs)                                                                                   \
+    X(numOutputs)                                                                                  \
+    X(inputName)                                                                                   \
+    X(outputName)                                                                                  \
+    X(setInput)                                                                                    \
+    X(defaultValue)                                                                                \
+    X(output)                                                                                      \
+    X(setNumOutputUsers)                                                                           \
+    X(resetNumOutputUsers)                                                                         \
+    X(errorCode)                                                                                   \
+    X(clearErrorCode)                                                                              \
+    X(teardownContextData)                                                                         \
+    X(setDefaultValue)                                                                             \
+    X(setErrorCode)                                                                                \
     X(destructor)
 
 enum class PassCall {
@@ -66,7 +66,8 @@ struct PassEvent
 #undef ORV_NAME
         };
         return "pass " + std::to_string(pass) + ": " + names[static_cast<int>(call)] + " "
-            + std::to_string(index) + (value == kInvalid ? " invalid" : " " + std::to_string(value));
+            + std::to_string(index)
+            + (value == kInvalid ? " invalid" : " " + std::to_string(value));
     }
 };
 
@@ -77,25 +78,25 @@ struct PassFailure
 
 /// Writes down every call that it receives, from all passes of a renderer in one list. What its
 /// outputs hold tells where every input came from and in which frame, and it misbehaves on demand.
-class RecordingPass : public Kestrin::Orv::RenderPass
+class ScriptedPass : public Kestrin::Orv::RenderPass
 {
 public:
     using Callbacks = Kestrin::Orv::RenderCallbacks*;
 
-    RecordingPass(std::vector<PassEvent>& log, int id, int numInputs, int numOutputs)
+    ScriptedPass(std::vector<PassEvent>& log, int id, int numInputs, int numOutputs)
         : events(log)
         , number(id)
         , inputCount(numInputs)
         , outputCount(numOutputs)
     {
     }
-    ~RecordingPass() override { events.push_back({ number, PassCall::destructor, 0, 0 }); }
+    ~ScriptedPass() override { events.push_back({number, PassCall::destructor, 0, 0}); }
 
-    unsigned int failsWith = 0;  ///< the error code
+    unsigned int failsWith = 0;    ///< the error code
     mutable int unfinishedFor = 0; ///< so many answers of isFinished are false
-    int lie = 0;                 ///< added to numInputs
-    mutable int throwsAt = -1;   ///< throws, once, from this call
-    mutable int callsBackAt = -1; ///< calls back, once, from this call
+    int lie = 0;                   ///< added to numInputs
+    mutable int throwsAt = -1;     ///< throws, once, from this call
+    mutable int callsBackAt = -1;  ///< calls back, once, from this call
     std::function<void()> callback;
 
     void setup(Callbacks callbacks) override { note(PassCall::setup, callbacks); }
@@ -195,7 +196,7 @@ private:
 
     void note(PassCall call, int index, qint64 value) const
     {
-        events.push_back({ number, call, index, value });
+        events.push_back({number, call, index, value});
         if (callsBackAt == static_cast<int>(call))
             callBack();
         if (throwsAt == static_cast<int>(call)) {

@@ -1,0 +1,40 @@
+# SPDX-FileCopyrightText: The OrvCore authors
+# SPDX-License-Identifier: MIT
+#
+# What the scripts share; sourced, not run.
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+# What building the library, its examples and its tests takes on Debian 12.
+build_packages=(
+    cmake ninja-build g++ qtbase5-dev
+    libassimp-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
+    graphviz
+)
+test_packages=(
+    libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
+)
+
+# install_packages PACKAGE...: installs those that are missing; says which.
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed \
+            || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    echo "Installing Debian packages: ${missing[*]}"
+    local as_root=()
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+    "${as_root[@]}" apt-get update -q
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -q -y --no-install-recommends "${missing[@]}"
+}
+
+# build PRESET [CMAKE_OPTION...]: configures and builds into build/PRESET.
+build() {
+    local preset=$1
+    shift
+    cmake --preset "$preset" -G Ninja "$@"
+    cmake --build "build/$preset"
+}
