@@ -105,7 +105,8 @@ public:
     /// Linear in the nodes and edges removed, plus the later siblings; no recursion.
     void removeNode(int node);
     /// As removeNode(), but leaves \p node on its parent's list: numNodes() still counts it and
-    /// getNode(), findNode() and findNodeFromValue() still find it. May be repeated.
+    /// getNode(), findNode() and findNodeFromValue() still find it. May be repeated; removeNode()
+    /// takes the node off the list later.
     void removeChildNode(int node);
 
     /// The node's parent; -1 for the root. A removed node keeps its parent.
