@@ -12,7 +12,7 @@ build_packages=(
     graphviz
 )
 test_packages=(
-    libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
+    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.
@@ -31,10 +31,15 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [CMAKE_OPTION...]: configures and builds into build/PRESET.
+# build PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures and builds, into build/PRESET if no
+# directory is given.
 build() {
-    local preset=$1
+    local preset=$1 directory=build/$1
     shift
-    cmake --preset "$preset" -G Ninja "$@"
-    cmake --build "build/$preset"
+    if [ "${1:-}" = -B ]; then
+        directory=$2
+        shift 2
+    fi
+    cmake --preset "$preset" -G Ninja -B "$directory" "$@"
+    cmake --build "$directory"
 }

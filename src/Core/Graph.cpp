@@ -213,8 +213,6 @@ void Graph::removeChildNode(int node)
 
 void Graph::removeNode(int node)
 {
-    if (!isValidNode(node))
-        return;
     removeChildNode(node);
     if (Node* parent = find(impl->nodes, parentNode(node)))
         removeOne(parent->children, node);

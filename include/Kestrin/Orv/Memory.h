@@ -15,6 +15,7 @@ namespace Orv {
 class ORV_EXPORT Memory
 {
 public:
+    /// Ranges that are still lent out become invalid.
     virtual ~Memory();
 
     /// The block's size in bytes.

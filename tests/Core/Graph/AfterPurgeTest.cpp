@@ -97,7 +97,7 @@ long long askEverything(const Graph& graph)
     const QString name = QStringLiteral("n1");
     long long sum = graph.numNodesGlobal() + graph.numEdgesGlobal();
     for (const int a : numbers) {
-        sum += graph.isValidNode(a) + graph.isValidEdge(a) + graph.isRegularEdge(a)
+        sum += 0LL + graph.isValidNode(a) + graph.isValidEdge(a) + graph.isRegularEdge(a)
             + graph.isDownEdge(a) + graph.isUpEdge(a) + graph.parentNode(a) + graph.numNodes(a)
             + graph.indexOfNode(a) + graph.findNode(name, a) + graph.nodeName(a).size()
             + graph.nodeValue(a) + graph.numInputs(a) + graph.numOutputs(a)
@@ -113,7 +113,7 @@ long long askEverything(const Graph& graph)
                 walk(BreadthFirstInputWalker(graph, a, followHierarchy)).size());
         }
         for (const int b : numbers) {
-            sum += graph.isValidInput(a, b) + graph.isValidOutput(a, b)
+            sum += 0LL + graph.isValidInput(a, b) + graph.isValidOutput(a, b)
                 + graph.isValidInputGroup(a, b) + graph.isValidOutputGroup(a, b)
                 + graph.contains(a, b) + graph.getNode(b, a) + graph.findNodeFromValue(b, a)
                 + graph.inputName(a, b).size() + graph.outputName(a, b).size()

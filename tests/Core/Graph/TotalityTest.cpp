@@ -410,14 +410,13 @@ TEST(GraphTotalityOfRemovedNodes, QueriesAnswerForTheSlot)
     EXPECT_TRUE(s.graph.precedes(s.removedNode, s.removedNode, true));
 }
 
-TEST(GraphTotalityOfRemovedNodes, ANodeThatIsStillListedIsNotRemovedOnceMore)
+TEST(GraphTotalityOfRemovedNodes, ANodeThatIsStillListedIsUnlisted)
 {
     Sample s;
     s.graph.removeChildNode(s.b);
-    const std::string before = graphSnapshot(s.graph);
+    ASSERT_EQ(s.graph.indexOfNode(s.b), 2);
     s.graph.removeNode(s.b);
-    EXPECT_EQ(graphSnapshot(s.graph), before);
-    EXPECT_EQ(s.graph.indexOfNode(s.b), 2);
+    EXPECT_EQ(s.graph.indexOfNode(s.b), -1);
 }
 
 TEST(GraphTotalityOfRemovedNodes, NothingIsMadeInARemovedTree)
