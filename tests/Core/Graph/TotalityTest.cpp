@@ -15,6 +15,7 @@
 #include <functional>
 #include <limits>
 #include <new>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -292,6 +293,12 @@ const Call kWalks[] = {
 #undef ORV_EXPECT
 #undef ORV_CALL
 #undef ORV_STAY
+
+// Found by GoogleTest, which would print the record's bytes, padding and all.
+void PrintTo(const Call& call, std::ostream* stream)
+{
+    *stream << call.name;
+}
 
 class GraphTotality : public testing::TestWithParam<Call>
 {
