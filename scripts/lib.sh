@@ -11,8 +11,12 @@ build_packages=(
     libassimp-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
     graphviz
 )
+package_packages=(
+    dpkg-dev file
+)
 test_packages=(
     libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
+    pkg-config "${package_packages[@]}"
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.
