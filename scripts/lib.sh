@@ -16,7 +16,7 @@ package_packages=(
 )
 test_packages=(
     libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
-    pkg-config "${package_packages[@]}"
+    abigail-tools pkg-config "${package_packages[@]}"
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.
