@@ -18,6 +18,9 @@ test_packages=(
     libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
     abigail-tools pkg-config "${package_packages[@]}"
 )
+check_packages=(
+    git pkg-config clang-format-14 clang-tidy-14
+)
 
 # install_packages PACKAGE...: installs those that are missing; says which.
 install_packages() {
