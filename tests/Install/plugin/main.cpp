@@ -22,7 +22,8 @@ public:
     void start(RenderCallbacks*) override { outputs[0].value = 5; }
 };
 
-/// Renders five, doubled twice by passes of the plugin. All is destroyed before the plugin is unloaded.
+/// Renders five, doubled twice by passes of the plugin. All is destroyed before the plugin is
+/// unloaded.
 void render(const char* loader, PassPlugin* plugin)
 {
     Renderer renderer;

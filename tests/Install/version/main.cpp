@@ -11,5 +11,6 @@ int main()
     const bool agree = library == QLatin1String(PACKAGE_VERSION);
     std::printf("%s\n", agree ? "agree" : "differ");
     if (!agree)
-        std::fprintf(stderr, "CMake package %s, library %s\n", PACKAGE_VERSION, qPrintable(library));
+        std::fprintf(stderr, "CMake package %s, library %s\n", PACKAGE_VERSION,
+                     qPrintable(library));
 }
