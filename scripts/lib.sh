@@ -15,7 +15,7 @@ package_packages=(
     dpkg-dev file
 )
 test_packages=(
-    libgtest-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind
+    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
     abigail-tools pkg-config "${package_packages[@]}"
 )
 check_packages=(
@@ -38,10 +38,15 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [CMAKE_OPTION...]: configures and builds into build/PRESET.
+# build PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures and builds, into build/PRESET if no
+# directory is given.
 build() {
-    local preset=$1
+    local preset=$1 directory=build/$1
     shift
-    cmake --preset "$preset" -G Ninja "$@"
-    cmake --build "build/$preset"
+    if [ "${1:-}" = -B ]; then
+        directory=$2
+        shift 2
+    fi
+    cmake --preset "$preset" -G Ninja -B "$directory" "$@"
+    cmake --build "$directory"
 }

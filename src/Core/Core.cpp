@@ -41,8 +41,10 @@ QString executablePath()
 QString resourcesPath()
 {
     if (cachedResourcesPath.isEmpty()) {
-        cachedResourcesPath
-            = QFileInfo(executablePath()).canonicalPath() + QStringLiteral("/Resources");
+        const QFileInfo executable(executablePath());
+        // For a file that is not there, some releases of Qt take "." for its directory.
+        const QString directory = executable.exists() ? executable.canonicalPath() : QString();
+        cachedResourcesPath = directory + QStringLiteral("/Resources");
     }
     return cachedResourcesPath;
 }

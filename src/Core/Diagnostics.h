@@ -13,16 +13,16 @@
 /// Log lines and soft assertions for the library's own sources.
 ///
 /// ORV_DEBUG(format, ...) and ORV_CRITICAL(format, ...) emit one message "[File.cpp:line] ..." at
-/// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) emits, only when the condition is
-/// false, one critical message that quotes it; execution goes on either way. Formats are printf's;
-/// strings are passed in the local 8-bit encoding (qPrintable).
+/// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) emits, only when the condition
+/// is false, one critical message that quotes it; execution goes on either way. Formats are
+/// printf's; strings are passed in the local 8-bit encoding (qPrintable).
 
 namespace Kestrin {
 namespace Orv {
 namespace Diagnostics {
 
-/// The logger behind every message. The source position travels in the text, so the context has none;
-/// it does have a category, which a default-constructed logger lacks.
+/// The logger behind every message. The source position travels in the text, so the context has
+/// none; it does have a category, which a default-constructed logger lacks.
 inline QMessageLogger logger()
 {
     return QMessageLogger(nullptr, 0, nullptr, "default");

@@ -8,6 +8,7 @@
 #include "GraphImpl.h"
 
 #include <QtCore/QSet>
+#include <QtCore/QVarLengthArray>
 
 #include <algorithm>
 #include <utility>
@@ -172,13 +173,13 @@ int Graph::addNode(const QString& name, int numInputs, int numOutputs, int paren
 }
 
 /// Marks a node and everything below it removed and lists them, parents before their children and
-/// siblings in their order. The mark keeps a node from being listed twice where the lists of children
-/// are no tree. When memory runs out, no mark is left.
+/// siblings in their order. The mark keeps a node from being listed twice where the lists of
+/// children are no tree. When memory runs out, no mark is left.
 QVector<int> Graph::Impl::markSubtreeRemoved(int ref)
 {
     QVector<int> subtree;
     try {
-        QVector<int> pending { ref };
+        QVector<int> pending{ref};
         while (!pending.isEmpty()) {
             const int next = pending.takeLast();
             Node* record = liveNode(next);
@@ -288,7 +289,8 @@ void Graph::setNodeValue(int node, int value)
         record->value = value;
 }
 
-// Inputs and outputs. What both sides share works on a list of ports, chosen by a pointer to member.
+// Inputs and outputs. What both sides share works on a list of ports, chosen by a pointer to
+// member.
 
 namespace {
 
@@ -504,7 +506,7 @@ int Graph::addEdge(int srcNode, int srcOutput, int dstNode, int dstInput)
 
     return impl->connect(impl->nodes[srcNode].outputs[srcOutput],
                          impl->nodes[dstNode].inputs[dstInput],
-                         { srcNode, srcOutput, dstNode, dstInput, false });
+                         {srcNode, srcOutput, dstNode, dstInput, false});
 }
 
 int Graph::addUpEdge(int parentOutput, int childNode, int childOutput)
@@ -517,7 +519,7 @@ int Graph::addUpEdge(int parentOutput, int childNode, int childOutput)
 
     return impl->connect(impl->nodes[childNode].outputs[childOutput],
                          impl->nodes[parent].outputs[parentOutput],
-                         { childNode, childOutput, parent, parentOutput, false });
+                         {childNode, childOutput, parent, parentOutput, false});
 }
 
 int Graph::addDownEdge(int parentInput, int childNode, int childInput)
@@ -530,7 +532,7 @@ int Graph::addDownEdge(int parentInput, int childNode, int childInput)
 
     return impl->connect(impl->nodes[parent].inputs[parentInput],
                          impl->nodes[childNode].inputs[childInput],
-                         { parent, parentInput, childNode, childInput, false });
+                         {parent, parentInput, childNode, childInput, false});
 }
 
 void Graph::Impl::removeEdge(int ref)
@@ -611,9 +613,9 @@ int Graph::addDownEdgeByName(const QString& parentInputName, int childNode,
                qPrintable(childInputName));
     ORV_ASSERT(isValidInput(childNode, findInput(childNode, childInputName)),
                "Parent '%s' Child '%s'", qPrintable(parentInputName), qPrintable(childInputName));
-    ORV_ASSERT(isValidInput(parentNode(childNode),
-                            findInput(parentNode(childNode), parentInputName)),
-               "Parent '%s' Child '%s'", qPrintable(parentInputName), qPrintable(childInputName));
+    ORV_ASSERT(
+        isValidInput(parentNode(childNode), findInput(parentNode(childNode), parentInputName)),
+        "Parent '%s' Child '%s'", qPrintable(parentInputName), qPrintable(childInputName));
     return addDownEdge(findInput(parentNode(childNode), parentInputName), childNode,
                        findInput(childNode, childInputName));
 }
@@ -773,55 +775,7 @@ bool Graph::isValidOutputDestination(int node, int output, int index) const
     return isValidOutput(node, output) && hasIndex(impl->output(node, output).destinations, index);
 }
 
-// Walking against the flow of data. On a sound tree each step changes the level and the walk ends by
-// itself; after a purge it may run in a circle, so no walk takes more steps than there are nodes.
-
-bool Graph::Impl::walkUp(int& node, int& port) const
-{
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const Edge& source = edge(input(node, port).source);
-        if (!isDown(source))
-            break;
-        node = source.srcNode;
-        port = source.srcIndex;
-        moved = true;
-    }
-    return moved;
-}
-
-bool Graph::Impl::walkAcross(int& node, int& port) const
-{
-    const Edge& source = edge(input(node, port).source);
-    if (!isRegular(source))
-        return false;
-    node = source.srcNode;
-    port = source.srcIndex;
-    return true;
-}
-
-bool Graph::Impl::walkDown(int& node, int& port) const
-{
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const Edge& source = edge(output(node, port).source);
-        if (!isUp(source))
-            break;
-        node = source.srcNode;
-        port = source.srcIndex;
-        moved = true;
-    }
-    return moved;
-}
-
-bool Graph::Impl::walkToSourceNode(int& node, int& port) const
-{
-    walkUp(node, port);
-    const bool fed = walkAcross(node, port);
-    if (fed)
-        walkDown(node, port);
-    return fed;
-}
+// Walking against the flow of data
 
 bool Graph::walkUp(int& node, int& port) const
 {
@@ -845,6 +799,49 @@ bool Graph::walkToSourceNode(int& node, int& port) const
 
 // The whole graph
 
+namespace {
+
+/// A set of nodes in the order of their insertion. Most searches reach a handful of nodes, for
+/// which no memory is taken; a flag per node of the graph is made when there are more.
+class ReachedNodes
+{
+public:
+    explicit ReachedNodes(int numNodesInGraph)
+        : numNodes(numNodesInGraph)
+    {
+    }
+
+    int size() const { return order.size(); }
+    int at(int position) const { return order.at(position); }
+
+    void insert(int node)
+    {
+        if (flags.empty()) {
+            if (std::find(order.cbegin(), order.cend(), node) != order.cend())
+                return;
+            if (order.size() == handful) {
+                flags.resize(static_cast<std::size_t>(numNodes));
+                for (const int present : order)
+                    flags[static_cast<std::size_t>(present)] = true;
+            }
+        } else if (flags[static_cast<std::size_t>(node)]) {
+            return;
+        }
+        order.append(node);
+        if (!flags.empty())
+            flags[static_cast<std::size_t>(node)] = true;
+    }
+
+private:
+    static constexpr int handful = 16;
+
+    QVarLengthArray<int, 64> order;
+    std::vector<bool> flags; // by node, once there are more than a handful
+    int numNodes;
+};
+
+} // namespace
+
 bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const
 {
     const QVector<Node>& nodes = impl->nodes;
@@ -853,29 +850,17 @@ bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy)
     if (upstreamNode == downstreamNode)
         return true;
 
-    // Most searches end at a node that nothing feeds: the flags are made when there is a second node.
-    std::vector<bool> reached;
-    std::vector<int> pending { downstreamNode };
-    for (std::size_t head = 0; head < pending.size(); ++head) {
-        const int node = pending[head];
+    ReachedNodes reached(nodes.size());
+    reached.insert(downstreamNode);
+    for (int next = 0; next < reached.size(); ++next) {
+        const int node = reached.at(next);
         const int numInputs = nodes.at(node).inputs.size();
         for (int input = 0; input < numInputs; ++input) {
-            int source = node;
-            int port = input;
-            const bool fed = followHierarchy ? impl->walkToSourceNode(source, port)
-                                             : impl->walkAcross(source, port);
-            if (!fed || !hasIndex(nodes, source))
-                continue;
+            const int source = impl->feedingNode(node, input, followHierarchy);
             if (source == upstreamNode)
                 return true;
-            if (reached.empty()) {
-                reached.resize(static_cast<std::size_t>(nodes.size()));
-                reached[static_cast<std::size_t>(downstreamNode)] = true;
-            }
-            if (!reached[static_cast<std::size_t>(source)]) {
-                reached[static_cast<std::size_t>(source)] = true;
-                pending.push_back(source);
-            }
+            if (source != kInvalidNodeRef)
+                reached.insert(source);
         }
     }
     return false;
@@ -969,8 +954,8 @@ void dumpAsGraphviz(const Graph* graph)
         for (int output = 0; output < numOutputs; ++output) {
             const int numDestinations = graph->numOutputDestinations(node, output);
             for (int d = 0; d < numDestinations; ++d) {
-                const int destination
-                    = graph->edgeDestNode(graph->outputDestination(node, output, d));
+                const int destination =
+                    graph->edgeDestNode(graph->outputDestination(node, output, d));
                 if (written.contains(destination))
                     continue;
                 written.insert(destination);

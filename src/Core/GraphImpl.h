@@ -72,9 +72,10 @@ bool hasIndex(const QVector<T>& list, int index)
     return static_cast<uint>(index) < static_cast<uint>(list.size());
 }
 
-/// What stands for a missing entry of a list: an empty record, an empty name or, in a list of refs, -1.
+/// What stands for a missing entry of a list: an empty record, an empty name or, in a list of refs,
+/// -1.
 template<typename T>
-const T& nothing()
+Q_NEVER_INLINE const T& nothing()
 {
     static const T none{};
     return none;
@@ -87,11 +88,19 @@ inline const int& nothing<int>()
     return none;
 }
 
-/// The entry at any `index` whatever. With this one check in every read, no query can leave a table.
+/// The entry at any `index` whatever. With this one check in every read, no query can leave a
+/// table.
 template<typename T>
 const T& lookUp(const QVector<T>& list, int index)
 {
     return hasIndex(list, index) ? list.at(index) : nothing<T>();
+}
+
+/// The entry at `index`, or null.
+template<typename T>
+const T* entry(const QVector<T>& list, int index)
+{
+    return hasIndex(list, index) ? list.constData() + index : nullptr;
 }
 
 /// The entry at `index` for changing, or null.
@@ -101,7 +110,9 @@ T* find(QVector<T>& list, int index)
     return hasIndex(list, index) ? &list[index] : nullptr;
 }
 
-struct Graph::Impl
+/// The two tables and everything that only reads them. The walks against the flow of data are here
+/// to be inlined: the ordering query, the walkers and the renderer's frames consist of little else.
+struct GraphTables
 {
     QVector<Node> nodes;
     QVector<Edge> edges;
@@ -124,6 +135,106 @@ struct Graph::Impl
         return !edge.removed && node(edge.srcNode).parent == edge.dstNode;
     }
 
+    // The walks against the flow of data. An edge that feeds a port enters the very node that owns
+    // the port, so the kind of the edge follows from its source alone.
+    //
+    // On a sound tree each step changes the level and a walk ends by itself. After a purge it may
+    // run in a circle, so no walk takes more steps than there are nodes.
+
+    bool walkUp(int& node, int& port) const
+    {
+        bool moved = false;
+        climb(node, port, moved);
+        return moved;
+    }
+    bool walkAcross(int& node, int& port) const
+    {
+        const Node* owner = entry(nodes, node);
+        return owner && cross(owner, liveSource(owner->inputs, port), node, port);
+    }
+    bool walkDown(int& node, int& port) const
+    {
+        bool moved = false;
+        for (int steps = nodes.size(); steps > 0; --steps) {
+            const Node* owner = entry(nodes, node);
+            const Edge* source = owner ? liveSource(owner->outputs, port) : nullptr;
+            if (!source || parentOf(source->srcNode) != node)
+                break;
+            node = source->srcNode;
+            port = source->srcIndex;
+            moved = true;
+        }
+        return moved;
+    }
+    bool walkToSourceNode(int& node, int& port) const
+    {
+        bool moved = false;
+        const Trail trail = climb(node, port, moved);
+        const bool fed = cross(trail.owner, trail.source, node, port);
+        if (fed)
+            walkDown(node, port);
+        return fed;
+    }
+
+    /// An input's node, and the live edge that feeds the input; null for what there is not.
+    struct Trail
+    {
+        const Node* owner;
+        const Edge* source;
+
+        bool isDown() const { return source && source->srcNode == owner->parent; }
+    };
+    Trail trailOf(int node, int port) const
+    {
+        const Node* owner = entry(nodes, node);
+        return {owner, owner ? liveSource(owner->inputs, port) : nullptr};
+    }
+
+    /// walkUp(), answering what walkAcross() goes on from.
+    Trail climb(int& node, int& port, bool& moved) const
+    {
+        Trail trail = trailOf(node, port);
+        for (int steps = nodes.size(); trail.isDown() && steps > 0; --steps) {
+            node = trail.source->srcNode;
+            port = trail.source->srcIndex;
+            moved = true;
+            trail = trailOf(node, port);
+        }
+        return trail;
+    }
+    /// walkAcross(), given the input's node and the live edge that feeds the input.
+    bool cross(const Node* owner, const Edge* source, int& node, int& port) const
+    {
+        if (!source || parentOf(source->srcNode) != owner->parent)
+            return false;
+        node = source->srcNode;
+        port = source->srcIndex;
+        return true;
+    }
+
+    int parentOf(int ref) const
+    {
+        const Node* record = entry(nodes, ref);
+        return record ? record->parent : Graph::kInvalidNodeRef;
+    }
+    /// The edge that feeds a port; null when there is none.
+    const Edge* liveSource(const QVector<Port>& ports, int port) const
+    {
+        const Port* record = entry(ports, port);
+        const Edge* source = record ? entry(edges, record->source) : nullptr;
+        return source && !source->removed ? source : nullptr;
+    }
+
+    /// The node that feeds an input, traced as precedes() and the walkers do; -1 if there is none.
+    int feedingNode(int node, int port, bool followHierarchy) const
+    {
+        const bool fed = followHierarchy ? walkToSourceNode(node, port) : walkAcross(node, port);
+        return fed && hasIndex(nodes, node) ? node : Graph::kInvalidNodeRef;
+    }
+};
+
+struct Graph::Impl : GraphTables
+{
     Node* liveNode(int ref);
 
     int connect(Port& left, Port& entered, const Edge& edge);
@@ -131,12 +242,12 @@ struct Graph::Impl
     void disconnect(const Port& port);
 
     QVector<int> markSubtreeRemoved(int ref);
-
-    bool walkUp(int& node, int& port) const;
-    bool walkAcross(int& node, int& port) const;
-    bool walkDown(int& node, int& port) const;
-    bool walkToSourceNode(int& node, int& port) const;
 };
+
+inline const GraphTables& tablesOf(const Graph& graph)
+{
+    return *graph.impl;
+}
 
 } // namespace Orv
 } // namespace Kestrin

@@ -29,7 +29,7 @@ bool hasIndex(int index, int size)
 RenderPassHelper::RenderPassHelper()
     : reservedInt(0)
     , reservedWide(0)
-    , reservedSlots {}
+    , reservedSlots{}
     , error(0)
 {
     timer.invalidate();
@@ -125,14 +125,14 @@ void RenderPassHelper::setErrorCode(unsigned int code)
 
 int RenderPassHelper::addInput(const QString& name, const QVariant& defaultValue)
 {
-    inputs.append({ name, QVariant() });
+    inputs.append({name, QVariant()});
     defaultValues.append(defaultValue);
     return inputs.size() - 1;
 }
 
 int RenderPassHelper::addOutput(const QString& name)
 {
-    outputs.append({ name, QVariant() });
+    outputs.append({name, QVariant()});
     outputUsers.append(0);
     return outputs.size() - 1;
 }

@@ -52,7 +52,8 @@ void Renderer::setup(RenderCallbacks* callbacks)
         if (!pass)
             continue;
         pass->resetNumOutputUsers();
-        for (int output = 0; output < graph.numOutputs(node); ++output)
+        const int numOutputs = graph.numOutputs(node);
+        for (int output = 0; output < numOutputs; ++output)
             pass->setNumOutputUsers(output, impl->getActiveOutputUsers(node, output, visited));
         impl->setRenderPassInputs(node);
         pass->setup(callbacks);
@@ -67,8 +68,7 @@ bool Renderer::render(RenderCallbacks* callbacks)
     bool succeeded = true;
     if (!impl->executionOrder.isEmpty()) {
         impl->newPassStartedThisFrame = false;
-        for (int i = 0; succeeded && i < impl->executionOrder.size(); ++i)
-            succeeded = impl->render(impl->executionOrder.at(i), callbacks);
+        succeeded = impl->renderAll(callbacks);
 
         for (int i = 0; i < numOutputs(); ++i) {
             int node = Graph::kRootNodeRef;

@@ -36,43 +36,35 @@ int Renderer::Impl::addPass(RenderPass* pass)
     return passes.size() - 1;
 }
 
-RenderPass* Renderer::Impl::passOf(int node) const
-{
-    const int index = graph.nodeValue(node);
-    return hasPass(index) ? passes.at(index) : nullptr;
-}
-
-RenderPass* Renderer::Impl::enabledPassOf(int node) const
-{
-    const int index = graph.nodeValue(node);
-    return hasPass(index) && passEnabled.at(index) ? passes.at(index) : nullptr;
-}
-
 void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
 {
-    const auto visit = [&visited](int ref) {
-        if (ref < 0 || ref >= visited.size() || visited.at(ref))
+    bool* const flags = visited.data();
+    const int numFlags = visited.size();
+    const auto visit = [flags, numFlags](int ref) {
+        if (ref < 0 || ref >= numFlags || flags[ref])
             return false;
-        visited[ref] = true;
+        flags[ref] = true;
         return true;
     };
     if (!visit(node))
         return;
 
-    // Depth first, with the path on a list of its own: a chain may be longer than the C stack is deep.
+    // Depth first, with the path on a list of its own: a chain may be longer than the C stack is
+    // deep.
     struct Step
     {
         int node;
         int nextInput;
     };
-    std::vector<Step> path { { node, 0 } };
+    const GraphTables& tables = tablesOf(graph);
+    std::vector<Step> path{{node, 0}};
     while (!path.empty()) {
         Step& top = path.back();
-        if (top.nextInput < graph.numInputs(top.node)) {
+        if (top.nextInput < tables.node(top.node).inputs.size()) {
             int source = top.node;
             int port = top.nextInput++;
-            if (graph.walkToSourceNode(source, port) && visit(source))
-                path.push_back({ source, 0 });
+            if (tables.walkToSourceNode(source, port) && visit(source))
+                path.push_back({source, 0});
         } else {
             if (enabledPassOf(top.node))
                 executionOrder.append(top.node);
@@ -83,23 +75,25 @@ void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
 
 int Renderer::Impl::getActiveOutputUsers(int node, int output, const QVector<bool>& visited)
 {
-    const auto isVisited = [&visited](int ref) { return visited.value(ref, false); };
-    const auto isVisitedOrRoot
-        = [&](int ref) { return isVisited(ref) || ref == Graph::kRootNodeRef; };
+    const auto isVisited = [&visited](int ref) {
+        return hasIndex(visited, ref) && visited.at(ref);
+    };
+    const auto isVisitedOrRoot = [&](int ref) {
+        return isVisited(ref) || ref == Graph::kRootNodeRef;
+    };
 
-    const int numDestinations = graph.numOutputDestinations(node, output);
-    const int parent = graph.parentNode(node);
+    const GraphTables& tables = tablesOf(graph);
+    const QVector<int>& destinations = tables.output(node, output).destinations;
+    const int parent = tables.node(node).parent;
     int count = 0;
-    for (int e = 0; e < numDestinations; ++e) {
-        const int edge = graph.outputDestination(node, output, e);
-        const int dest = graph.edgeDestNode(edge);
-        const int destPort = graph.edgeDestIndex(edge);
+    for (const int destination : destinations) {
+        const Edge& edge = tables.edge(destination);
+        const int dest = edge.dstNode;
 
-        if (graph.numNodes(dest) > 0 && !graph.contains(dest, node)) {
+        if (!tables.node(dest).children.isEmpty() && !graph.contains(dest, node)) {
             // Into a group from outside: its children read through the group's input.
-            const int numInner = graph.numInputDestinations(dest, destPort);
-            for (int i = 0; i < numInner; ++i)
-                count += isVisited(graph.edgeDestNode(graph.inputDestination(dest, destPort, i)));
+            for (const int inner : tables.input(dest, edge.dstIndex).destinations)
+                count += isVisited(tables.edge(inner).dstNode);
         }
 
         if (dest != parent) {
@@ -108,37 +102,43 @@ int Renderer::Impl::getActiveOutputUsers(int node, int output, const QVector<boo
             ++count;
         } else {
             // Out of a group: its readers, of whom as many are looked at as this output has edges.
-            for (int i = 0; i < numDestinations; ++i) {
-                const int outer = graph.outputDestination(parent, destPort, i);
-                count += isVisitedOrRoot(graph.edgeDestNode(outer));
-            }
+            const QVector<int>& readers = tables.output(parent, edge.dstIndex).destinations;
+            const int numLookedAt = std::min(readers.size(), destinations.size());
+            for (int i = 0; i < numLookedAt; ++i)
+                count += isVisitedOrRoot(tables.edge(readers.at(i)).dstNode);
             count += isVisited(parent);
         }
     }
     return count;
 }
 
-void Renderer::Impl::setRenderPassInputs(int node)
+Q_ALWAYS_INLINE void Renderer::Impl::setInputs(RenderPass* pass, int node)
 {
-    RenderPass* pass = passOf(node);
-    if (!pass)
-        return;
+    const GraphTables& tables = tablesOf(graph);
     const int numInputs = pass->numInputs();
     for (int i = 0; i < numInputs; ++i) {
         int source = node;
         int port = i;
-        if (graph.walkUp(source, port) && source == Graph::kRootNodeRef) {
+        bool climbed = false;
+        const auto trail = tables.climb(source, port, climbed);
+        if (climbed && source == Graph::kRootNodeRef) {
             const QVariant value = parameters.value(port);
             pass->setInput(i, value);
             continue;
         }
         const RenderPass* producer = nullptr;
-        if (graph.walkAcross(source, port)) {
-            graph.walkDown(source, port);
+        if (tables.cross(trail.owner, trail.source, source, port)) {
+            tables.walkDown(source, port);
             producer = enabledPassOf(source);
         }
         pass->setInput(i, producer ? producer->output(port) : pass->defaultValue(i));
     }
+}
+
+void Renderer::Impl::setRenderPassInputs(int node)
+{
+    if (RenderPass* pass = passOf(node))
+        setInputs(pass, node);
 }
 
 bool Renderer::Impl::wasStarted(int node) const
@@ -161,7 +161,7 @@ bool Renderer::Impl::render(int node, RenderCallbacks* callbacks)
     RenderPass* pass = passOf(node);
     if (!pass)
         return true;
-    setRenderPassInputs(node);
+    setInputs(pass, node);
     pass->clearErrorCode();
     pass->beginFrame(callbacks);
     if (newPassStartedThisFrame) {
@@ -178,6 +178,16 @@ bool Renderer::Impl::render(int node, RenderCallbacks* callbacks)
         QThread::usleep(100);
     pass->endFrame(callbacks);
     return pass->errorCode() == 0;
+}
+
+/// Runs the scheduled passes until one fails. They may change the execution order as they run.
+bool Renderer::Impl::renderAll(RenderCallbacks* callbacks)
+{
+    for (int i = 0; i < executionOrder.size(); ++i) {
+        if (!render(executionOrder.at(i), callbacks))
+            return false;
+    }
+    return true;
 }
 
 } // namespace Orv

@@ -4,8 +4,9 @@
 #ifndef KESTRIN_ORV_RENDERERIMPL_H
 #define KESTRIN_ORV_RENDERERIMPL_H
 
-#include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Renderer.h>
+
+#include "GraphImpl.h"
 
 #include <QtCore/QList>
 #include <QtCore/QVector>
@@ -18,7 +19,8 @@ namespace Orv {
 /// What a renderer owns, and the steps of its setup and of its frames.
 ///
 /// Passes may call back into the renderer from any of their operations. So nothing here keeps a
-/// reference or an iterator into a list across a call to a pass; loops count and ask for the size anew.
+/// reference or an iterator into a list across a call to a pass; loops count and ask for the size
+/// anew.
 struct Renderer::Impl
 {
     QList<QVariant> parameters; // by index of the root's input
@@ -39,8 +41,16 @@ struct Renderer::Impl
 
     int addPass(RenderPass* pass);
     bool hasPass(int index) const { return index >= 0 && index < passes.size(); }
-    RenderPass* passOf(int node) const;
-    RenderPass* enabledPassOf(int node) const;
+    RenderPass* passOf(int node) const
+    {
+        const int index = tablesOf(graph).node(node).value;
+        return hasPass(index) ? passes.at(index) : nullptr;
+    }
+    RenderPass* enabledPassOf(int node) const
+    {
+        const int index = tablesOf(graph).node(node).value;
+        return hasPass(index) && passEnabled.at(index) ? passes.at(index) : nullptr;
+    }
 
     /// Appends the passes that `node` needs, and then its own, to the execution order.
     /// `visited` holds a flag per node; what is flagged already has been dealt with.
@@ -52,6 +62,8 @@ struct Renderer::Impl
     /// Runs the pass of `node` in this frame; false when it failed.
     ORV_EXPORT bool render(int node, RenderCallbacks* callbacks);
 
+    bool renderAll(RenderCallbacks* callbacks);
+    void setInputs(RenderPass* pass, int node);
     bool wasStarted(int node) const;
     void rememberStarted(int node);
 };

@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>
 
+#include "GraphImpl.h"
 #include "WalkFrame.h"
 
 namespace Kestrin {
@@ -11,17 +12,9 @@ namespace Orv {
 
 namespace {
 
-/// The node that feeds an input, or -1.
-int feedingNode(const Graph& graph, int node, int input, bool followHierarchy)
-{
-    const bool fed = followHierarchy ? graph.walkToSourceNode(node, input)
-                                     : graph.walkAcross(node, input);
-    return fed ? node : Graph::kInvalidNodeRef;
-}
-
 void push(WalkFrame*& stack, int node)
 {
-    stack = new WalkFrame { node, 0, stack };
+    stack = new WalkFrame{node, 0, stack};
 }
 
 void popFrom(WalkFrame*& stack)
@@ -88,9 +81,10 @@ void BottomUpInputWalker::next()
 
 void BottomUpInputWalker::moveNext()
 {
-    while (stack && stack->nextIndex < graph->numInputs(stack->node)) {
-        const int source = feedingNode(*graph, stack->node, stack->nextIndex++, followHierarchy);
-        if (reach(source))
+    const GraphTables& tables = tablesOf(*graph);
+    while (stack && stack->nextIndex < tables.node(stack->node).inputs.size()) {
+        const int source = tables.feedingNode(stack->node, stack->nextIndex++, followHierarchy);
+        if (source != Graph::kInvalidNodeRef && reach(source))
             push(stack, source);
     }
 }
@@ -100,11 +94,9 @@ void BottomUpInputWalker::pop()
     popFrom(stack);
 }
 
-/// Marks a node reached; false when it was already, or when it is not in the graph.
+/// Marks a node of the graph reached; false when it was already.
 bool BottomUpInputWalker::reach(int node)
 {
-    if (node < 0 || node >= graph->numNodesGlobal())
-        return false;
     if (node < numVisited) {
         if (visited[node])
             return false;
@@ -113,7 +105,7 @@ bool BottomUpInputWalker::reach(int node)
     }
     if (visitedElsewhere.isEmpty())
         visitedElsewhere.resize(graph->numNodesGlobal());
-    if (visitedElsewhere.testBit(node))
+    if (node >= visitedElsewhere.size() || visitedElsewhere.testBit(node))
         return false;
     visitedElsewhere.setBit(node);
     return true;
@@ -186,18 +178,18 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     , queue(nullptr)
     , head(0)
     , tail(0)
+    , numNodes(graph->numNodesGlobal())
 {
-    const auto numNodes = static_cast<std::size_t>(graph->numNodesGlobal());
-    visited = new unsigned char[numNodes]();
+    visited = new unsigned char[static_cast<std::size_t>(numNodes)]();
     try {
-        queue = new int[numNodes + 1];
+        queue = new int[static_cast<std::size_t>(numNodes) + 1];
     } catch (...) {
         delete[] visited;
         throw;
     }
     if (node == Graph::kInvalidNodeRef)
         return;
-    if (node >= 0 && node < graph->numNodesGlobal())
+    if (node >= 0 && node < numNodes)
         visited[node] = 1;
     queue[tail++] = node;
 }
@@ -223,10 +215,11 @@ void BreadthFirstInputWalker::next()
     if (!valid())
         return;
     const int node = queue[head++];
-    const int numInputs = graph->numInputs(node);
+    const GraphTables& tables = tablesOf(*graph);
+    const int numInputs = tables.node(node).inputs.size();
     for (int input = 0; input < numInputs; ++input) {
-        const int source = feedingNode(*graph, node, input, followHierarchy);
-        if (source < 0 || source >= graph->numNodesGlobal() || visited[source])
+        const int source = tables.feedingNode(node, input, followHierarchy);
+        if (source < 0 || source >= numNodes || visited[source])
             continue;
         visited[source] = 1;
         queue[tail++] = source;

@@ -50,6 +50,7 @@ public:
 
     /// Makes a graph that holds the root node alone: no name, no ports, value -1.
     Graph();
+    /// Frees both tables. Walkers over this graph must be gone by then.
     ~Graph();
     Graph(const Graph&) = delete;
     Graph& operator=(const Graph&) = delete;
@@ -99,10 +100,13 @@ public:
 
     /// Removes \p node, everything below it and every edge at their ports, and takes \p node off its
     /// parent's list, so that later siblings move up one position. Their refs stay as they are.
+    /// Also takes off a node that removeChildNode() left listed. Removing the root leaves no valid
+    /// node, and nothing can be added to such a graph.
     /// Linear in the nodes and edges removed, plus the later siblings; no recursion.
     void removeNode(int node);
     /// As removeNode(), but leaves \p node on its parent's list: numNodes() still counts it and
-    /// getNode(), findNode() and findNodeFromValue() still find it. May be repeated.
+    /// getNode(), findNode() and findNodeFromValue() still find it. May be repeated; removeNode()
+    /// takes the node off the list later.
     void removeChildNode(int node);
 
     /// The node's parent; -1 for the root. A removed node keeps its parent.
@@ -135,17 +139,21 @@ public:
     /// @name Inputs
     /// @{
 
-    /// Appends an input. Names may repeat, and \p group is kept as it is, named or not.
+    /// Appends an input. Names may repeat, and \p group is kept as it is, named or not; -1 for none.
     /// \return the port's index, or -1 when \p node is not valid. Constant time, amortised.
     int addInput(int node, const QString& name, int group);
     /// Deletes an input; the inputs after it move down one index. Its edges stay, and edges at later
     /// inputs keep their old indices, which then name the port that has moved there. So disconnect
-    /// the port first, and remove only the last one while others are connected.
+    /// the port first, and remove only the last one while others are connected. Linear in the later
+    /// inputs.
     void removeInput(int node, int input);
+    /// Number of inputs; a removed node keeps its ports.
     int numInputs(int node) const;
     /// The first input of this name, compared exactly; -1 if none. Linear in the number of inputs.
     int findInput(int node, const QString& name) const;
+    /// The input's name; empty for one that was never named.
     QString inputName(int node, int input) const;
+    /// Replaces the input's name; edges stay.
     void setInputName(int node, int input, const QString& name);
     /// The group that the input was added to; -1 for none. Not necessarily one that has a name.
     int inputGroup(int node, int input) const;
@@ -154,35 +162,53 @@ public:
     /// \return the group's ref, or -1 when \p node is not valid. Constant time, amortised.
     int addInputGroup(int node, const QString& name);
     /// Takes every input of this group out of it, then deletes the group's name, if it has one.
-    /// Later names move down one position; the inputs of later groups keep their numbers.
+    /// Later names move down one position, but the inputs of later groups keep their numbers, which
+    /// then name the group behind theirs: remove the last group only, or add the inputs anew.
+    /// Linear in the inputs and the later names.
     void removeInputGroup(int node, int group);
+    /// Number of group names, those of addOutputGroup() included.
     int numInputGroups(int node) const;
-    /// The first input group of this name, compared exactly; -1 if none.
+    /// The first group of this name, compared exactly; -1 if none. Linear in the number of names.
     int findInputGroup(int node, const QString& name) const;
+    /// The name of a group.
     QString inputGroupName(int node, int group) const;
+    /// Replaces the name of a group; its inputs stay in it.
     void setInputGroupName(int node, int group, const QString& name);
     /// @}
 
     /// @name Outputs
     /// As for inputs, where nothing else is said.
     /// @{
+
+    /// Appends an output and returns its index; see addInput().
     int addOutput(int node, const QString& name, int group);
+    /// Deletes an output, with the same consequences for edges as removeInput().
     void removeOutput(int node, int output);
+    /// Number of outputs; a removed node keeps its ports.
     int numOutputs(int node) const;
+    /// The first output of this name, compared exactly; -1 if none. Linear in the number of outputs.
     int findOutput(int node, const QString& name) const;
+    /// The output's name; empty for one that was never named.
     QString outputName(int node, int output) const;
+    /// Replaces the output's name; edges stay.
     void setOutputName(int node, int output, const QString& name);
+    /// The group that the output was added to; -1 for none.
     int outputGroup(int node, int output) const;
 
     /// Does what addInputGroup() does: the name joins the *input* group names, so input and output
     /// groups are numbered in one sequence and findInputGroup() finds both. The list of output group
-    /// names stays empty for ever: the queries of the other output group operations find nothing.
+    /// names stays empty for ever: the other operations on output group names find nothing.
+    /// \return what to pass to addOutput(), or -1 when \p node is not valid.
     int addOutputGroup(int node, const QString& name);
     /// Takes every output of this group out of it. There is no name to delete.
     void removeOutputGroup(int node, int group);
+    /// Always 0, see addOutputGroup().
     int numOutputGroups(int node) const;
+    /// Always -1, see addOutputGroup().
     int findOutputGroup(int node, const QString& name) const;
+    /// Always empty, see addOutputGroup().
     QString outputGroupName(int node, int group) const;
+    /// Does nothing, see addOutputGroup().
     void setOutputGroupName(int node, int group, const QString& name);
     /// @}
 
@@ -195,12 +221,15 @@ public:
     /// \return the new edge's ref, or -1 when the input is fed already, when the oldest edge that
     /// leaves the output is not a regular one, or when \p dstNode precedes \p srcNode (see
     /// precedes()), so that the edge would close a cycle. That the nodes are siblings is not tested.
-    /// Takes the time of precedes(\p dstNode, \p srcNode, true).
+    /// As precedes() finds producing nodes and not the groups around them, a cycle that runs through
+    /// the inside of a group is not refused. Takes the time of precedes(\p dstNode, \p srcNode, true).
     int addEdge(int srcNode, int srcOutput, int dstNode, int dstInput);
     /// Makes an up edge from a child's output to an output of its parent.
+    /// The child's output may feed siblings at the same time; cycles are not looked for.
     /// \return the new edge's ref, or -1 when the parent's output is fed already. Constant time.
     int addUpEdge(int parentOutput, int childNode, int childOutput);
     /// Makes a down edge from an input of the child's parent to an input of the child.
+    /// Cycles are not looked for.
     /// \return the new edge's ref, or -1 when the child's input is fed already. Constant time.
     int addDownEdge(int parentInput, int childNode, int childInput);
     /// Marks the edge removed and unhooks it from the ports at its ends; the positions of the port's
@@ -253,9 +282,12 @@ public:
     /// @name Edges of a port
     /// All take constant time. The ends of a removed edge still answer.
     /// @{
+
+    /// The node that the edge leaves.
     int edgeSourceNode(int edge) const;
     /// The port that the edge leaves: an input for a down edge, otherwise an output.
     int edgeSourceIndex(int edge) const;
+    /// The node that the edge enters.
     int edgeDestNode(int edge) const;
     /// The port that the edge enters: an output for an up edge, otherwise an input.
     int edgeDestIndex(int edge) const;
@@ -268,11 +300,13 @@ public:
     int numInputDestinations(int node, int input) const;
     /// The down edge at position \p index, oldest first; -1 if none.
     int inputDestination(int node, int input, int index) const;
+    /// True when the input is valid and an edge leaves it at position \p index.
     bool isValidInputDestination(int node, int input, int index) const;
     /// Number of regular and up edges that leave the output.
     int numOutputDestinations(int node, int output) const;
     /// The edge at position \p index, oldest first; -1 if none.
     int outputDestination(int node, int output, int index) const;
+    /// True when the output is valid and an edge leaves it at position \p index.
     bool isValidOutputDestination(int node, int output, int index) const;
     /// @}
 
@@ -317,6 +351,8 @@ public:
     /// @}
 
 private:
+    friend const struct GraphTables& tablesOf(const Graph& graph); // for the library's own sources
+
     struct ORV_NO_EXPORT Impl;
     Impl* impl;
 };

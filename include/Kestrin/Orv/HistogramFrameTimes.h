@@ -25,6 +25,7 @@ namespace Orv {
 class ORV_EXPORT HistogramFrameTimes
 {
 public:
+    /// An empty histogram.
     HistogramFrameTimes();
     /// Calls this class's own flush(), not an overriding one.
     virtual ~HistogramFrameTimes();
@@ -34,7 +35,7 @@ public:
     /// Counts one frame of \p us microseconds in the bucket of the next lower multiple of 500. A frame
     /// of 1000500 or more is ignored. Logarithmic in the number of buckets, 2001 at most.
     void addFrameTimeUS(unsigned int us);
-    /// Empties the histogram.
+    /// Empties the histogram; what it held is not written.
     void clear();
 
     /// Called without the lock, before a frame is counted, when `totalTimeUS` exceeds 60 seconds.
@@ -46,13 +47,13 @@ public:
     virtual void dump();
 
 protected:
-    QMutex mutex; ///< guards all fields below
+    QMutex mutex;                             ///< guards all fields below
     QMap<unsigned int, unsigned int> buckets; ///< bucket in microseconds to number of frames
-    std::atomic<quint32> frameCount;  ///< frames counted; also read without the lock
+    std::atomic<quint32> frameCount;          ///< frames counted; also read without the lock
     std::atomic<quint32> totalTimeUS; ///< sum of the buckets counted; also read without the lock
-    quint32 minTimeUS;    ///< smallest bucket counted; 1000000 when empty
-    quint32 peakBucketUS; ///< the bucket that was first to reach `peakCount`
-    quint32 peakCount;    ///< the highest count of a bucket
+    quint32 minTimeUS;                ///< smallest bucket counted; 1000000 when empty
+    quint32 peakBucketUS;             ///< the bucket that was first to reach `peakCount`
+    quint32 peakCount;                ///< the highest count of a bucket
 };
 
 } // namespace Orv

@@ -15,6 +15,7 @@ namespace Orv {
 class ORV_EXPORT Memory
 {
 public:
+    /// Ranges that are still lent out become invalid.
     virtual ~Memory();
 
     /// The block's size in bytes.
@@ -45,7 +46,7 @@ public:
 
     unsigned long size() const override;
     /// Makes a new mapping on each call, even of a range that is mapped already; valid until it is
-    /// released or this object is destroyed. Also null when the system refuses, as for 0 bytes.
+    /// released or this object is destroyed. Also null when the system refuses.
     unsigned char* get(unsigned long offset, unsigned long size) override;
     void release(unsigned char* range) override;
 

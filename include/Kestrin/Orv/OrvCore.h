@@ -7,6 +7,12 @@
 /// @file
 /// Everything that libOrvCore offers.
 
+/// @namespace Kestrin
+/// The house that OrvCore lives in.
+
+/// @namespace Kestrin::Orv
+/// All that libOrvCore offers: a graph of render passes and what runs it.
+
 #include <Kestrin/Orv/Core.h>
 #include <Kestrin/Orv/Export.h>
 #include <Kestrin/Orv/Graph.h>

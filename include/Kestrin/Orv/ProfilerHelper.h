@@ -14,7 +14,9 @@ namespace Orv {
 class ORV_EXPORT ProfilerHelper
 {
 public:
+    /// Begins the scope. \p name is ignored, null included.
     explicit ProfilerHelper(const char* name);
+    /// Ends the scope.
     ~ProfilerHelper();
     ProfilerHelper(const ProfilerHelper&) = delete;
     ProfilerHelper& operator=(const ProfilerHelper&) = delete;

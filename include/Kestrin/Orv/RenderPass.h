@@ -38,6 +38,7 @@ class ORV_EXPORT RenderPass
 {
 public:
     RenderPass();
+    /// Called by the destructor of the renderer that owns the pass.
     virtual ~RenderPass();
 
     /// Prepares the pass. The user counts and inputs have been set.
@@ -74,7 +75,9 @@ public:
     virtual void setDefaultValue(int index, const QVariant& value) = 0;
     /// The current value of an output.
     virtual QVariant output(int index) const = 0;
-    /// Stores the number of scheduled consumers of an output.
+    /// Stores the number of scheduled consumers of an output. They are counted through one group
+    /// boundary: for a consumer behind two of them, the number may be 0 although the value is used.
+    /// Disabled passes on the way to an output of the renderer count as consumers.
     virtual void setNumOutputUsers(int index, int users) = 0;
     /// Sets every output's number of consumers to 0.
     virtual void resetNumOutputUsers() = 0;

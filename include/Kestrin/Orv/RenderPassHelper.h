@@ -17,15 +17,16 @@ namespace Orv {
 template<typename T>
 struct NamedValue
 {
-    QString name;
-    T value;
+    QString name; ///< not required to be unique
+    T value;      ///< a QVariant where passes use it
 };
 
 /// The stock implementation of RenderPass, which host passes derive from.
 ///
 /// It keeps ports, values, user counts and the error code; every life-cycle call does nothing, but
 /// for skip(). A derived class declares its ports with addInput() and addOutput() before the pass is
-/// registered, overrides what it does itself, and reads and writes the protected members: `inputs`
+/// registered (later ones stay unknown to the renderer), overrides what it does itself, and reads and
+/// writes the protected members: `inputs`
 /// holds the current input values, `outputs` is where results go, `outputUsers` tells how many
 /// scheduled consumers each output has.
 ///
@@ -35,6 +36,7 @@ struct NamedValue
 class ORV_EXPORT RenderPassHelper : public RenderPass
 {
 public:
+    /// A pass without ports and with error code 0.
     RenderPassHelper();
     ~RenderPassHelper() override;
 
@@ -73,6 +75,7 @@ public:
 
     /// A timer for derived classes, invalid until they start it.
     const QElapsedTimer& frameTimer() const;
+    /// The same timer, for starting it.
     QElapsedTimer& frameTimer();
 
 protected:
@@ -83,9 +86,9 @@ protected:
     QElapsedTimer timer;                   ///< what frameTimer() answers
 
     // Room that derived classes may use as they like; zero at first, never touched again here.
-    int reservedInt;
-    qint64 reservedWide;
-    qint64 reservedSlots[100];
+    int reservedInt;           ///< room for the derived class
+    qint64 reservedWide;       ///< room for the derived class
+    qint64 reservedSlots[100]; ///< room for the derived class
 
     quint32 error; ///< 0 for none
 };

@@ -25,8 +25,8 @@ class RenderPass;
 /// through getGraph(), calls setup() once, render() once per frame and teardown() when it is done.
 ///
 /// The parameter "Orv_bool_staggeredFirstFrame" has a meaning of its own: while it is true, a frame
-/// starts at most one pass that has never been started before, and skips all passes after it. So N
-/// passes come up in N frames.
+/// starts at most one pass that was not started under it before, and skips all passes after it. So N
+/// passes come up in N frames. Passes once started count as started for the renderer's life, by node.
 ///
 /// Every operation accepts every int. An index or a node that names nothing answers -1, 0, false,
 /// null or an invalid value, and setting it does nothing. A pass may call back into its renderer in
@@ -36,8 +36,9 @@ class RenderPass;
 class ORV_EXPORT Renderer
 {
 public:
+    /// A renderer whose graph holds the root alone.
     Renderer();
-    /// Deletes every registered pass, in order of registration, without a teardown().
+    /// Deletes every registered pass, in order of registration, without calling teardown().
     virtual ~Renderer();
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;
@@ -84,12 +85,17 @@ public:
     /// The first output of this name; -1 if none. Linear.
     int findOutput(const QString& name) const;
 
+    /// Number of parameters.
     int numParameters() const;
+    /// The type of a parameter's current value; QVariant::Invalid for none.
     QVariant::Type parameterType(int index) const;
+    /// A parameter's current value.
     QVariant parameterValue(int index);
     /// Sets a parameter; passes see it at their next frame.
     void setParameter(int index, const QVariant& value);
+    /// Number of outputs of the renderer.
     int numOutputs() const;
+    /// The type of an output's value; QVariant::Invalid before a frame has filled it.
     QVariant::Type outputType(int index) const;
     /// An output's value as the last frame left it.
     QVariant output(int index) const;
@@ -103,11 +109,14 @@ public:
     /// Enables or disables the pass of \p node and makes the next frame rerun setup(). A disabled
     /// pass is not run, and its consumers take their defaults; what it needs upstream still runs.
     void setEnabled(int node, bool enabled);
-    /// Makes the next setup() schedule \p node and all that it needs, even when no output needs it;
-    /// -1 for none.
+    /// Makes the next setup() schedule \p node and all that feeds its inputs, even when no output
+    /// needs it; -1 for none. For a group that is what feeds the group, not what lies inside it.
     void setTarget(int node);
+    /// The node that setTarget() was given; -1 at first.
     int getTarget() const;
-    /// The renderer's own graph, for wiring and inspection, valid as long as the renderer.
+    /// The renderer's own graph, for wiring and inspection, valid as long as the renderer. Edits take
+    /// effect at the next setup() as far as the execution order and the numbers of consumers go; inputs
+    /// are traced anew in every frame. After Graph::purge(), set the target anew and call setup().
     Graph* getGraph();
 
 private:

@@ -37,13 +37,17 @@ struct WalkFrame;
 class ORV_EXPORT BottomUpInputWalker
 {
 public:
+    /// Moves to the first node of the walk that ends at \p node; not valid at once for -1.
     BottomUpInputWalker(const Graph& graph, int node, bool followHierarchy);
     ~BottomUpInputWalker();
     BottomUpInputWalker(const BottomUpInputWalker&) = delete;
     BottomUpInputWalker& operator=(const BottomUpInputWalker&) = delete;
 
+    /// False once the last node has been passed.
     bool valid() const;
+    /// The current node; -1 when not valid.
     int node() const;
+    /// Moves to the next node; does nothing when not valid.
     void next();
 
 private:
@@ -55,7 +59,7 @@ private:
     bool followHierarchy;
     unsigned char* visited; // by node ref, for the refs below the number of the root's children
     WalkFrame* stack;
-    int numVisited;            // length of `visited`
+    int numVisited;             // length of `visited`
     QBitArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
 };
 
@@ -69,13 +73,17 @@ private:
 class ORV_EXPORT BottomUpSubgraphWalker
 {
 public:
+    /// Moves to the first node of the walk that ends at \p node; not valid at once unless that is valid.
     BottomUpSubgraphWalker(const Graph& graph, int node);
     ~BottomUpSubgraphWalker();
     BottomUpSubgraphWalker(const BottomUpSubgraphWalker&) = delete;
     BottomUpSubgraphWalker& operator=(const BottomUpSubgraphWalker&) = delete;
 
+    /// False once the last node has been passed.
     bool valid() const;
+    /// The current node; -1 when not valid.
     int node() const;
+    /// Moves to the next node; does nothing when not valid.
     void next();
 
 private:
@@ -94,13 +102,17 @@ private:
 class ORV_EXPORT BreadthFirstInputWalker
 {
 public:
+    /// Stands on \p node itself; not valid at once for -1.
     BreadthFirstInputWalker(const Graph& graph, int node, bool followHierarchy);
     ~BreadthFirstInputWalker();
     BreadthFirstInputWalker(const BreadthFirstInputWalker&) = delete;
     BreadthFirstInputWalker& operator=(const BreadthFirstInputWalker&) = delete;
 
+    /// False once the last node has been passed.
     bool valid() const;
+    /// The current node; -1 when not valid.
     int node() const;
+    /// Moves to the next node; does nothing when not valid.
     void next();
 
 private:
@@ -110,6 +122,7 @@ private:
     int* queue;
     int head;
     int tail;
+    int numNodes; // length of `visited`
 };
 
 } // namespace Orv

@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef GALLERY_FRAMELOOP_H
+#define GALLERY_FRAMELOOP_H
+
+#include "Options.h"
+#include "RenderCallbacks.h"
+
+#include <Kestrin/Orv/HistogramFrameTimes.h>
+
+#include <QtCore/QTextStream>
+
+namespace Gallery {
+
+class GalleryGraph;
+
+/// Frame times that are written out minute by minute instead of being dropped.
+class FrameTimes : public Kestrin::Orv::HistogramFrameTimes
+{
+public:
+    explicit FrameTimes(QTextStream& out);
+    void flush() override;
+    /// Writes what was counted since the last flush().
+    void print();
+
+private:
+    QTextStream& out;
+};
+
+/// Renders the frames that the options ask for, and writes their pictures.
+class FrameLoop
+{
+public:
+    /// \param out receives the reports.
+    FrameLoop(const Options& options, GalleryGraph& graph, const Scene& scene, QTextStream& out);
+
+    /// \return false, with the reason on one line in \p error, when a pass fails or a picture
+    /// cannot be written; the frames before it are complete.
+    bool run(QString& error);
+
+private:
+    bool renderFrames(QString& error);
+    bool bringUp(QString& error);
+    bool renderFrame(int frame, QString& error);
+    bool write(int output, const char* prefix, int frame, QString& error);
+    void endFrame();
+    bool hasProgress() const;
+    void showProgress(int frame) const;
+    void clearProgress() const;
+    void report();
+
+    const Options& options;
+    GalleryGraph& graph;
+    QTextStream& out;
+    Kestrin::Orv::RenderCallbacks callbacks;
+    FrameTimes times;
+    int texturesHeld = 0; // that readers did not release, in the last frame
+};
+
+} // namespace Gallery
+
+#endif

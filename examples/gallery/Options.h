@@ -1,0 +1,41 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef GALLERY_OPTIONS_H
+#define GALLERY_OPTIONS_H
+
+#include <QtCore/QSize>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace Gallery {
+
+/// What the command line asks for.
+struct Options
+{
+    QString model;
+    QSize size{960, 720};
+    int firstFrame = 0;
+    int lastFrame = 0;
+    int turn = 120; ///< frames in a full turn of the camera
+    QString outDirectory;
+    QStringList disabled;
+    QString target;
+    QString resources;
+    QString graphFile;
+    bool staggered = false;
+    bool list = false;
+    bool times = false;
+    bool verbose = false;
+    bool reuseTextures = true;
+
+    /// What is to be printed instead of doing anything, for --help and --version.
+    QString message;
+
+    /// \return false, with the reason on one line in \p error, when the line makes no sense.
+    bool parse(const QStringList& arguments, QString& error);
+};
+
+} // namespace Gallery
+
+#endif

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef GALLERY_LIGHTMETERPASS_H
+#define GALLERY_LIGHTMETERPASS_H
+
+#include "FilterPass.h"
+
+namespace Gallery {
+
+/// Measures the picture before tone mapping: "Color" to "Luminance", a number, the geometric mean.
+/// No picture needs it; it runs when it is the renderer's target.
+class LightMeterPass : public FilterPass
+{
+public:
+    LightMeterPass();
+
+    void endFrame(Kestrin::Orv::RenderCallbacks* callbacks) override;
+
+protected:
+    QSize targetSize(const QSize& frameSize) const override;
+
+private:
+    int luminance; // output
+};
+
+} // namespace Gallery
+
+#endif

@@ -1,0 +1,16 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef GALLERY_READPIXELS_H
+#define GALLERY_READPIXELS_H
+
+#include "TexturePool.h"
+
+namespace Gallery {
+
+/// Copies a texture's RGBA texels, from the bottom row up, as this GL type; waits for the GPU.
+void readPixels(const Texture& texture, GLenum type, void* texels);
+
+} // namespace Gallery
+
+#endif
