@@ -11,8 +11,15 @@ build_packages=(
     libassimp-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
     graphviz
 )
+package_packages=(
+    dpkg-dev file
+)
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
+    abigail-tools pkg-config "${package_packages[@]}"
+)
+check_packages=(
+    git pkg-config clang-format-14 clang-tidy-14
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.

@@ -1,0 +1,18 @@
+# SPDX-FileCopyrightText: The OrvCore authors
+# SPDX-License-Identifier: MIT
+
+# Run by CPack over the staged files: adds what only a Debian package carries.
+set(here ${CMAKE_CURRENT_LIST_DIR})
+foreach(component RUNTIME DEVELOPMENT)
+  set(package ${CPACK_DEBIAN_${component}_PACKAGE_NAME})
+  string(TOLOWER ${component} stage)
+  set(share ${CPACK_TEMPORARY_DIRECTORY}/${stage}/usr/share)
+
+  configure_file(${here}/copyright ${share}/doc/${package}/copyright COPYONLY)
+  execute_process(COMMAND gzip -9cn ${here}/changelog
+    OUTPUT_FILE ${share}/doc/${package}/changelog.Debian.gz RESULT_VARIABLE failed)
+  if(failed)
+    message(FATAL_ERROR "gzip failed: ${failed}")
+  endif()
+  configure_file(${here}/${package}.lintian-overrides ${share}/lintian/overrides/${package} COPYONLY)
+endforeach()
