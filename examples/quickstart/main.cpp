@@ -27,8 +27,10 @@ private:
 int main()
 {
     Renderer renderer;
-    const int first = renderer.addPass(QStringLiteral("first"), new AddPass(10), Graph::kRootNodeRef);
-    const int second = renderer.addPass(QStringLiteral("second"), new AddPass(20), Graph::kRootNodeRef);
+    const int first =
+        renderer.addPass(QStringLiteral("first"), new AddPass(10), Graph::kRootNodeRef);
+    const int second =
+        renderer.addPass(QStringLiteral("second"), new AddPass(20), Graph::kRootNodeRef);
     const int offset = renderer.addParameter(QStringLiteral("offset"), 1);
     const int result = renderer.addOutput(QStringLiteral("result"));
 

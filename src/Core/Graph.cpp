@@ -5,6 +5,7 @@
 #include <Kestrin/Orv/Graphviz.h>
 
 #include "Diagnostics.h"
+#include "FindByName.h"
 #include "GraphImpl.h"
 
 #include <QtCore/QSet>
@@ -44,15 +45,6 @@ void removeOne(QVector<int>& list, int value)
     const int position = list.lastIndexOf(value);
     if (position >= 0)
         list.remove(position);
-}
-
-/// The position of the first record of this name, or -1.
-template<typename Record>
-int findByName(const QVector<Record>& records, const QString& name)
-{
-    const auto found = std::find_if(records.cbegin(), records.cend(),
-                                    [&](const Record& record) { return record.name == name; });
-    return found == records.cend() ? -1 : static_cast<int>(found - records.cbegin());
 }
 
 } // namespace

@@ -4,20 +4,12 @@
 #include <Kestrin/Orv/RenderPassHelper.h>
 
 #include "Diagnostics.h"
+#include "FindByName.h"
 
 namespace Kestrin {
 namespace Orv {
 
 namespace {
-
-int findByName(const QVector<NamedValue<QVariant>>& records, const QString& name)
-{
-    for (int i = 0; i < records.size(); ++i) {
-        if (records.at(i).name == name)
-            return i;
-    }
-    return -1;
-}
 
 bool hasIndex(int index, int size)
 {

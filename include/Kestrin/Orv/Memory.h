@@ -60,8 +60,8 @@ private:
 class ORV_EXPORT RawMemory : public Memory
 {
 public:
-    /// Takes over \p buffer, made by array new, or null with \p size 0.
-    RawMemory(unsigned char* buffer, unsigned long size);
+    /// Takes over \p bytes, made by array new, or null with \p size 0.
+    RawMemory(unsigned char* bytes, unsigned long size);
     /// Frees the buffer with array delete.
     ~RawMemory() override;
     RawMemory(const RawMemory&) = delete;
