@@ -31,15 +31,17 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# build PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures and builds, into build/PRESET if no
-# directory is given.
-build() {
-    local preset=$1 directory=build/$1
+# configure PRESET [-B DIRECTORY] [CMAKE_OPTION...]: into build/PRESET if no directory is given.
+configure() {
+    local preset=$1
     shift
-    if [ "${1:-}" = -B ]; then
-        directory=$2
-        shift 2
-    fi
-    cmake --preset "$preset" -G Ninja -B "$directory" "$@"
+    cmake --preset "$preset" -G Ninja "$@"
+}
+
+# build PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures and builds.
+build() {
+    local directory=build/$1
+    [ "${2:-}" = -B ] && directory=$3
+    configure "$@"
     cmake --build "$directory"
 }

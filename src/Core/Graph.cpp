@@ -779,22 +779,22 @@ bool Graph::isValidOutputDestination(int node, int output, int index) const
 
 bool Graph::walkUp(int& node, int& port) const
 {
-    return impl->walkUp(node, port);
+    return impl->view().walkUp(node, port);
 }
 
 bool Graph::walkAcross(int& node, int& port) const
 {
-    return impl->walkAcross(node, port);
+    return impl->view().walkAcross(node, port);
 }
 
 bool Graph::walkDown(int& node, int& port) const
 {
-    return impl->walkDown(node, port);
+    return impl->view().walkDown(node, port);
 }
 
 bool Graph::walkToSourceNode(int& node, int& port) const
 {
-    return impl->walkToSourceNode(node, port);
+    return impl->view().walkToSourceNode(node, port);
 }
 
 // The whole graph
@@ -844,19 +844,18 @@ private:
 
 bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const
 {
-    const QVector<Node>& nodes = impl->nodes;
-    if (!hasIndex(nodes, upstreamNode) || !hasIndex(nodes, downstreamNode))
+    const GraphView view = impl->view();
+    if (!view.node(upstreamNode) || !view.node(downstreamNode))
         return false;
     if (upstreamNode == downstreamNode)
         return true;
 
-    ReachedNodes reached(nodes.size());
+    ReachedNodes reached(view.numNodes);
     reached.insert(downstreamNode);
     for (int next = 0; next < reached.size(); ++next) {
-        const int node = reached.at(next);
-        const int numInputs = nodes.at(node).inputs.size();
-        for (int input = 0; input < numInputs; ++input) {
-            const int source = impl->feedingNode(node, input, followHierarchy);
+        const Node& node = view.nodes[reached.at(next)];
+        for (const Port& input : node.inputs) {
+            const int source = view.feedingNode(node, input, followHierarchy);
             if (source == upstreamNode)
                 return true;
             if (source != kInvalidNodeRef)

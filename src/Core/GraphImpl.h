@@ -110,12 +110,133 @@ T* find(QVector<T>& list, int index)
     return hasIndex(list, index) ? &list[index] : nullptr;
 }
 
-/// The two tables and everything that only reads them. The walks against the flow of data are here
-/// to be inlined: the ordering query, the walkers and the renderer's frames consist of little else.
+/// The addresses of both tables, for the walks against the flow of data: the ordering query, the
+/// walkers and the renderer's frames consist of little else, so the walks are here to be inlined and
+/// what they read is to stay in registers. Lasts until the graph changes.
+///
+/// An edge that feeds a port enters the very node that owns the port, so the kind of the edge follows
+/// from its source alone. On a sound tree each step changes the level and a walk ends by itself. After
+/// a purge it may run in a circle, so no walk takes more steps than there are nodes.
+struct GraphView
+{
+    const Node* nodes;
+    int numNodes;
+    const Edge* edges;
+    int numEdges;
+
+    const Node* node(int ref) const
+    {
+        return static_cast<uint>(ref) < static_cast<uint>(numNodes) ? nodes + ref : nullptr;
+    }
+    int parentOf(int ref) const
+    {
+        const Node* record = node(ref);
+        return record ? record->parent : Graph::kInvalidNodeRef;
+    }
+    /// The edge that feeds a port; null when there is none.
+    const Edge* sourceOf(const Port& port) const
+    {
+        if (static_cast<uint>(port.source) >= static_cast<uint>(numEdges))
+            return nullptr;
+        const Edge* source = edges + port.source;
+        return source->removed ? nullptr : source;
+    }
+    const Edge* sourceOf(const QVector<Port>& ports, int port) const
+    {
+        const Port* record = entry(ports, port);
+        return record ? sourceOf(*record) : nullptr;
+    }
+
+    /// An input's node, and the edge that feeds the input; null for what there is not.
+    struct Trail
+    {
+        const Node* owner;
+        const Edge* source;
+
+        bool isDown() const { return source && source->srcNode == owner->parent; }
+    };
+    Trail trailOf(int ref, int port) const
+    {
+        const Node* owner = node(ref);
+        return {owner, owner ? sourceOf(owner->inputs, port) : nullptr};
+    }
+
+    /// walkUp(), answering what walkAcross() goes on from. Moves the position if it climbs.
+    Trail climb(Trail trail, int& ref, int& port) const
+    {
+        for (int steps = numNodes; trail.isDown() && steps > 0; --steps) {
+            ref = trail.source->srcNode;
+            port = trail.source->srcIndex;
+            trail = trailOf(ref, port);
+        }
+        return trail;
+    }
+    /// walkAcross(), given the input's node and the edge that feeds the input.
+    bool cross(Trail trail, int& ref, int& port) const
+    {
+        if (!trail.source || parentOf(trail.source->srcNode) != trail.owner->parent)
+            return false;
+        ref = trail.source->srcNode;
+        port = trail.source->srcIndex;
+        return true;
+    }
+    bool walkDown(int& ref, int& port) const
+    {
+        bool moved = false;
+        for (int steps = numNodes; steps > 0; --steps) {
+            const Node* owner = node(ref);
+            const Edge* source = owner ? sourceOf(owner->outputs, port) : nullptr;
+            if (!source || parentOf(source->srcNode) != ref)
+                break;
+            ref = source->srcNode;
+            port = source->srcIndex;
+            moved = true;
+        }
+        return moved;
+    }
+
+    bool walkUp(int& ref, int& port) const
+    {
+        const Trail start = trailOf(ref, port);
+        climb(start, ref, port);
+        return start.isDown();
+    }
+    bool walkAcross(int& ref, int& port) const { return cross(trailOf(ref, port), ref, port); }
+    bool walkToSourceNode(int& ref, int& port) const
+    {
+        const bool fed = cross(climb(trailOf(ref, port), ref, port), ref, port);
+        if (fed)
+            walkDown(ref, port);
+        return fed;
+    }
+
+    /// The node that feeds an input of `owner`, traced as precedes() and the walkers do; -1 if there
+    /// is none.
+    int feedingNode(const Node& owner, const Port& input, bool followHierarchy) const
+    {
+        Trail trail{&owner, sourceOf(input)};
+        int ref = Graph::kInvalidNodeRef;
+        int port = -1;
+        if (followHierarchy)
+            trail = climb(trail, ref, port);
+        if (!cross(trail, ref, port))
+            return Graph::kInvalidNodeRef;
+        if (followHierarchy)
+            walkDown(ref, port);
+        return node(ref) ? ref : Graph::kInvalidNodeRef;
+    }
+};
+
+/// The two tables and the plain questions to them.
 struct GraphTables
 {
     QVector<Node> nodes;
     QVector<Edge> edges;
+
+    GraphView view() const
+    {
+        return {nodes.constData(), nodes.size(), edges.constData(), edges.size()};
+    }
 
     const Node& node(int ref) const { return lookUp(nodes, ref); }
     const Edge& edge(int ref) const { return lookUp(edges, ref); }
@@ -133,103 +254,6 @@ struct GraphTables
     bool isUp(const Edge& edge) const
     {
         return !edge.removed && node(edge.srcNode).parent == edge.dstNode;
-    }
-
-    // The walks against the flow of data. An edge that feeds a port enters the very node that owns
-    // the port, so the kind of the edge follows from its source alone.
-    //
-    // On a sound tree each step changes the level and a walk ends by itself. After a purge it may
-    // run in a circle, so no walk takes more steps than there are nodes.
-
-    bool walkUp(int& node, int& port) const
-    {
-        bool moved = false;
-        climb(node, port, moved);
-        return moved;
-    }
-    bool walkAcross(int& node, int& port) const
-    {
-        const Node* owner = entry(nodes, node);
-        return owner && cross(owner, liveSource(owner->inputs, port), node, port);
-    }
-    bool walkDown(int& node, int& port) const
-    {
-        bool moved = false;
-        for (int steps = nodes.size(); steps > 0; --steps) {
-            const Node* owner = entry(nodes, node);
-            const Edge* source = owner ? liveSource(owner->outputs, port) : nullptr;
-            if (!source || parentOf(source->srcNode) != node)
-                break;
-            node = source->srcNode;
-            port = source->srcIndex;
-            moved = true;
-        }
-        return moved;
-    }
-    bool walkToSourceNode(int& node, int& port) const
-    {
-        bool moved = false;
-        const Trail trail = climb(node, port, moved);
-        const bool fed = cross(trail.owner, trail.source, node, port);
-        if (fed)
-            walkDown(node, port);
-        return fed;
-    }
-
-    /// An input's node, and the live edge that feeds the input; null for what there is not.
-    struct Trail
-    {
-        const Node* owner;
-        const Edge* source;
-
-        bool isDown() const { return source && source->srcNode == owner->parent; }
-    };
-    Trail trailOf(int node, int port) const
-    {
-        const Node* owner = entry(nodes, node);
-        return {owner, owner ? liveSource(owner->inputs, port) : nullptr};
-    }
-
-    /// walkUp(), answering what walkAcross() goes on from.
-    Trail climb(int& node, int& port, bool& moved) const
-    {
-        Trail trail = trailOf(node, port);
-        for (int steps = nodes.size(); trail.isDown() && steps > 0; --steps) {
-            node = trail.source->srcNode;
-            port = trail.source->srcIndex;
-            moved = true;
-            trail = trailOf(node, port);
-        }
-        return trail;
-    }
-    /// walkAcross(), given the input's node and the live edge that feeds the input.
-    bool cross(const Node* owner, const Edge* source, int& node, int& port) const
-    {
-        if (!source || parentOf(source->srcNode) != owner->parent)
-            return false;
-        node = source->srcNode;
-        port = source->srcIndex;
-        return true;
-    }
-
-    int parentOf(int ref) const
-    {
-        const Node* record = entry(nodes, ref);
-        return record ? record->parent : Graph::kInvalidNodeRef;
-    }
-    /// The edge that feeds a port; null when there is none.
-    const Edge* liveSource(const QVector<Port>& ports, int port) const
-    {
-        const Port* record = entry(ports, port);
-        const Edge* source = record ? entry(edges, record->source) : nullptr;
-        return source && !source->removed ? source : nullptr;
-    }
-
-    /// The node that feeds an input, traced as precedes() and the walkers do; -1 if there is none.
-    int feedingNode(int node, int port, bool followHierarchy) const
-    {
-        const bool fed = followHierarchy ? walkToSourceNode(node, port) : walkAcross(node, port);
-        return fed && hasIndex(nodes, node) ? node : Graph::kInvalidNodeRef;
     }
 };
 

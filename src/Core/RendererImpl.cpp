@@ -56,14 +56,15 @@ void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
         int node;
         int nextInput;
     };
-    const GraphTables& tables = tablesOf(graph);
+    const GraphView view = tablesOf(graph).view();
     std::vector<Step> path{{node, 0}};
     while (!path.empty()) {
         Step& top = path.back();
-        if (top.nextInput < tables.node(top.node).inputs.size()) {
-            int source = top.node;
-            int port = top.nextInput++;
-            if (tables.walkToSourceNode(source, port) && visit(source))
+        const Node* record = view.node(top.node);
+        if (record && top.nextInput < record->inputs.size()) {
+            const Port& input = record->inputs.at(top.nextInput++);
+            const int source = view.feedingNode(*record, input, true);
+            if (visit(source))
                 path.push_back({source, 0});
         } else {
             if (enabledPassOf(top.node))
@@ -119,16 +120,17 @@ Q_ALWAYS_INLINE void Renderer::Impl::setInputs(RenderPass* pass, int node)
     for (int i = 0; i < numInputs; ++i) {
         int source = node;
         int port = i;
-        bool climbed = false;
-        const auto trail = tables.climb(source, port, climbed);
-        if (climbed && source == Graph::kRootNodeRef) {
+        const GraphView view = tables.view();
+        const GraphView::Trail start = view.trailOf(source, port);
+        const GraphView::Trail trail = view.climb(start, source, port);
+        if (start.isDown() && source == Graph::kRootNodeRef) {
             const QVariant value = parameters.value(port);
             pass->setInput(i, value);
             continue;
         }
         const RenderPass* producer = nullptr;
-        if (tables.cross(trail.owner, trail.source, source, port)) {
-            tables.walkDown(source, port);
+        if (view.cross(trail, source, port)) {
+            view.walkDown(source, port);
             producer = enabledPassOf(source);
         }
         pass->setInput(i, producer ? producer->output(port) : pass->defaultValue(i));

@@ -82,8 +82,13 @@ void BottomUpInputWalker::next()
 void BottomUpInputWalker::moveNext()
 {
     const GraphTables& tables = tablesOf(*graph);
-    while (stack && stack->nextIndex < tables.node(stack->node).inputs.size()) {
-        const int source = tables.feedingNode(stack->node, stack->nextIndex++, followHierarchy);
+    const GraphView view = tables.view();
+    while (stack) {
+        const Node& node = tables.node(stack->node);
+        if (stack->nextIndex >= node.inputs.size())
+            return;
+        const Port& input = node.inputs.at(stack->nextIndex++);
+        const int source = view.feedingNode(node, input, followHierarchy);
         if (source != Graph::kInvalidNodeRef && reach(source))
             push(stack, source);
     }
@@ -214,11 +219,11 @@ void BreadthFirstInputWalker::next()
 {
     if (!valid())
         return;
-    const int node = queue[head++];
     const GraphTables& tables = tablesOf(*graph);
-    const int numInputs = tables.node(node).inputs.size();
-    for (int input = 0; input < numInputs; ++input) {
-        const int source = tables.feedingNode(node, input, followHierarchy);
+    const GraphView view = tables.view();
+    const Node& node = tables.node(queue[head++]);
+    for (const Port& input : node.inputs) {
+        const int source = view.feedingNode(node, input, followHierarchy);
         if (source < 0 || source >= numNodes || visited[source])
             continue;
         visited[source] = 1;
