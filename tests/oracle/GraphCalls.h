@@ -21,97 +21,97 @@
 /// ORV_GRAPH_CALLS(X) lists them as X(name, roles, expression). The roles tell what each argument
 /// is, in the order of the declaration: n node, e edge, p port, g group, i index, v any value,
 /// c port count, b bool, s string. The expression is carried out on graph `g` with the integers
-/// a[0], a[1], ... and the strings s[0], s[1], each numbered from the left. It comes first the calls
-/// that change the graph.
-#define ORV_GRAPH_CALLS(X)                                                                          \
-    X(addNode, "sccn", out.is(g.addNode(s[0], a[0], a[1], a[2])))                                   \
-    X(addEdge, "npnp", out.is(g.addEdge(a[0], a[1], a[2], a[3])))                                   \
-    X(addUpEdge, "pnp", out.is(g.addUpEdge(a[0], a[1], a[2])))                                      \
-    X(addDownEdge, "pnp", out.is(g.addDownEdge(a[0], a[1], a[2])))                                  \
-    X(connectByName, "nn", g.connectByName(a[0], a[1]))                                             \
-    X(connectUpByName, "n", g.connectUpByName(a[0]))                                                \
-    X(connectDownByName, "n", g.connectDownByName(a[0]))                                            \
-    X(connectGroups, "ngng", g.connectGroups(a[0], a[1], a[2], a[3]))                               \
-    X(connectNamedGroups, "nsns", g.connectNamedGroups(a[0], s[0], a[1], s[1]))                     \
-    X(addEdgeByName, "nsns", out.is(g.addEdgeByName(a[0], s[0], a[1], s[1])))                       \
-    X(addUpEdgeByName, "sns", out.is(g.addUpEdgeByName(s[0], a[0], s[1])))                          \
-    X(addDownEdgeByName, "sns", out.is(g.addDownEdgeByName(s[0], a[0], s[1])))                      \
-    X(removeEdge, "e", g.removeEdge(a[0]))                                                          \
-    X(disconnectInput, "np", g.disconnectInput(a[0], a[1]))                                         \
-    X(disconnectInputGroup, "ng", g.disconnectInputGroup(a[0], a[1]))                               \
-    X(removeNode, "n", g.removeNode(a[0]))                                                          \
-    X(removeChildNode, "n", g.removeChildNode(a[0]))                                                \
-    X(purge, "", g.purge())                                                                         \
-    X(setNodeName, "ns", g.setNodeName(a[0], s[0]))                                                 \
-    X(setNodeValue, "nv", g.setNodeValue(a[0], a[1]))                                               \
-    X(addInput, "nsg", out.is(g.addInput(a[0], s[0], a[1])))                                        \
-    X(addOutput, "nsg", out.is(g.addOutput(a[0], s[0], a[1])))                                      \
-    X(removeInput, "np", g.removeInput(a[0], a[1]))                                                 \
-    X(removeOutput, "np", g.removeOutput(a[0], a[1]))                                               \
-    X(setInputName, "nps", g.setInputName(a[0], a[1], s[0]))                                        \
-    X(setOutputName, "nps", g.setOutputName(a[0], a[1], s[0]))                                      \
-    X(addInputGroup, "ns", out.is(g.addInputGroup(a[0], s[0])))                                     \
-    X(addOutputGroup, "ns", out.is(g.addOutputGroup(a[0], s[0])))                                   \
-    X(removeInputGroup, "ng", g.removeInputGroup(a[0], a[1]))                                       \
-    X(removeOutputGroup, "ng", g.removeOutputGroup(a[0], a[1]))                                     \
-    X(setInputGroupName, "ngs", g.setInputGroupName(a[0], a[1], s[0]))                              \
-    X(setOutputGroupName, "ngs", g.setOutputGroupName(a[0], a[1], s[0]))                            \
-    X(numNodesGlobal, "", out.is(g.numNodesGlobal()))                                               \
-    X(getNodeGlobal, "v", out.is(g.getNodeGlobal(a[0])))                                            \
-    X(numEdgesGlobal, "", out.is(g.numEdgesGlobal()))                                               \
-    X(getEdgeGlobal, "v", out.is(g.getEdgeGlobal(a[0])))                                            \
-    X(isValidNode, "n", out.is(g.isValidNode(a[0])))                                                \
-    X(isValidInput, "np", out.is(g.isValidInput(a[0], a[1])))                                       \
-    X(isValidOutput, "np", out.is(g.isValidOutput(a[0], a[1])))                                     \
-    X(isValidInputGroup, "ng", out.is(g.isValidInputGroup(a[0], a[1])))                             \
-    X(isValidOutputGroup, "ng", out.is(g.isValidOutputGroup(a[0], a[1])))                           \
-    X(isValidEdge, "e", out.is(g.isValidEdge(a[0])))                                                \
-    X(isRegularEdge, "e", out.is(g.isRegularEdge(a[0])))                                            \
-    X(isDownEdge, "e", out.is(g.isDownEdge(a[0])))                                                  \
-    X(isUpEdge, "e", out.is(g.isUpEdge(a[0])))                                                      \
-    X(parentNode, "n", out.is(g.parentNode(a[0])))                                                  \
-    X(contains, "nn", out.is(g.contains(a[0], a[1])))                                               \
-    X(numNodes, "n", out.is(g.numNodes(a[0])))                                                      \
-    X(getNode, "in", out.is(g.getNode(a[0], a[1])))                                                 \
-    X(indexOfNode, "n", out.is(g.indexOfNode(a[0])))                                                \
-    X(findNode, "sn", out.is(g.findNode(s[0], a[0])))                                               \
-    X(findNodeFromValue, "vn", out.is(g.findNodeFromValue(a[0], a[1])))                             \
-    X(nodeName, "n", out.is(g.nodeName(a[0])))                                                      \
-    X(nodeValue, "n", out.is(g.nodeValue(a[0])))                                                    \
-    X(numInputs, "n", out.is(g.numInputs(a[0])))                                                    \
-    X(numOutputs, "n", out.is(g.numOutputs(a[0])))                                                  \
-    X(findInput, "ns", out.is(g.findInput(a[0], s[0])))                                             \
-    X(findOutput, "ns", out.is(g.findOutput(a[0], s[0])))                                           \
-    X(inputName, "np", out.is(g.inputName(a[0], a[1])))                                             \
-    X(outputName, "np", out.is(g.outputName(a[0], a[1])))                                           \
-    X(inputGroup, "np", out.is(g.inputGroup(a[0], a[1])))                                           \
-    X(outputGroup, "np", out.is(g.outputGroup(a[0], a[1])))                                         \
-    X(numInputGroups, "n", out.is(g.numInputGroups(a[0])))                                          \
-    X(numOutputGroups, "n", out.is(g.numOutputGroups(a[0])))                                        \
-    X(findInputGroup, "ns", out.is(g.findInputGroup(a[0], s[0])))                                   \
-    X(findOutputGroup, "ns", out.is(g.findOutputGroup(a[0], s[0])))                                 \
-    X(inputGroupName, "ng", out.is(g.inputGroupName(a[0], a[1])))                                   \
-    X(outputGroupName, "ng", out.is(g.outputGroupName(a[0], a[1])))                                 \
-    X(edgeSourceNode, "e", out.is(g.edgeSourceNode(a[0])))                                          \
-    X(edgeSourceIndex, "e", out.is(g.edgeSourceIndex(a[0])))                                        \
-    X(edgeDestNode, "e", out.is(g.edgeDestNode(a[0])))                                              \
-    X(edgeDestIndex, "e", out.is(g.edgeDestIndex(a[0])))                                            \
-    X(inputSource, "np", out.is(g.inputSource(a[0], a[1])))                                         \
-    X(outputSource, "np", out.is(g.outputSource(a[0], a[1])))                                       \
-    X(numInputDestinations, "np", out.is(g.numInputDestinations(a[0], a[1])))                       \
-    X(inputDestination, "npi", out.is(g.inputDestination(a[0], a[1], a[2])))                        \
-    X(isValidInputDestination, "npi", out.is(g.isValidInputDestination(a[0], a[1], a[2])))          \
-    X(numOutputDestinations, "np", out.is(g.numOutputDestinations(a[0], a[1])))                     \
-    X(outputDestination, "npi", out.is(g.outputDestination(a[0], a[1], a[2])))                      \
-    X(isValidOutputDestination, "npi", out.is(g.isValidOutputDestination(a[0], a[1], a[2])))        \
-    X(walkUp, "np", out.is(g.walkUp(out.from(a[0]), out.at(a[1]))))                                 \
-    X(walkAcross, "np", out.is(g.walkAcross(out.from(a[0]), out.at(a[1]))))                         \
-    X(walkDown, "np", out.is(g.walkDown(out.from(a[0]), out.at(a[1]))))                             \
-    X(walkToSourceNode, "np", out.is(g.walkToSourceNode(out.from(a[0]), out.at(a[1]))))             \
-    X(precedes, "nnb", out.is(g.precedes(a[0], a[1], a[2] != 0)))                                   \
-    X(bottomUpInputs, "nb", out.order = bottomUpInputs(g, a[0], a[1] != 0))                         \
-    X(breadthFirstInputs, "nb", out.order = breadthFirstInputs(g, a[0], a[1] != 0))                 \
-    X(bottomUpSubgraph, "n", out.order = bottomUpSubgraph(g, a[0]))                                 \
+/// a[0], a[1], ... and the strings s[0], s[1], each numbered from the left. The calls that
+/// change the graph come first.
+#define ORV_GRAPH_CALLS(X)                                                                         \
+    X(addNode, "sccn", out.is(g.addNode(s[0], a[0], a[1], a[2])))                                  \
+    X(addEdge, "npnp", out.is(g.addEdge(a[0], a[1], a[2], a[3])))                                  \
+    X(addUpEdge, "pnp", out.is(g.addUpEdge(a[0], a[1], a[2])))                                     \
+    X(addDownEdge, "pnp", out.is(g.addDownEdge(a[0], a[1], a[2])))                                 \
+    X(connectByName, "nn", g.connectByName(a[0], a[1]))                                            \
+    X(connectUpByName, "n", g.connectUpByName(a[0]))                                               \
+    X(connectDownByName, "n", g.connectDownByName(a[0]))                                           \
+    X(connectGroups, "ngng", g.connectGroups(a[0], a[1], a[2], a[3]))                              \
+    X(connectNamedGroups, "nsns", g.connectNamedGroups(a[0], s[0], a[1], s[1]))                    \
+    X(addEdgeByName, "nsns", out.is(g.addEdgeByName(a[0], s[0], a[1], s[1])))                      \
+    X(addUpEdgeByName, "sns", out.is(g.addUpEdgeByName(s[0], a[0], s[1])))                         \
+    X(addDownEdgeByName, "sns", out.is(g.addDownEdgeByName(s[0], a[0], s[1])))                     \
+    X(removeEdge, "e", g.removeEdge(a[0]))                                                         \
+    X(disconnectInput, "np", g.disconnectInput(a[0], a[1]))                                        \
+    X(disconnectInputGroup, "ng", g.disconnectInputGroup(a[0], a[1]))                              \
+    X(removeNode, "n", g.removeNode(a[0]))                                                         \
+    X(removeChildNode, "n", g.removeChildNode(a[0]))                                               \
+    X(purge, "", g.purge())                                                                        \
+    X(setNodeName, "ns", g.setNodeName(a[0], s[0]))                                                \
+    X(setNodeValue, "nv", g.setNodeValue(a[0], a[1]))                                              \
+    X(addInput, "nsg", out.is(g.addInput(a[0], s[0], a[1])))                                       \
+    X(addOutput, "nsg", out.is(g.addOutput(a[0], s[0], a[1])))                                     \
+    X(removeInput, "np", g.removeInput(a[0], a[1]))                                                \
+    X(removeOutput, "np", g.removeOutput(a[0], a[1]))                                              \
+    X(setInputName, "nps", g.setInputName(a[0], a[1], s[0]))                                       \
+    X(setOutputName, "nps", g.setOutputName(a[0], a[1], s[0]))                                     \
+    X(addInputGroup, "ns", out.is(g.addInputGroup(a[0], s[0])))                                    \
+    X(addOutputGroup, "ns", out.is(g.addOutputGroup(a[0], s[0])))                                  \
+    X(removeInputGroup, "ng", g.removeInputGroup(a[0], a[1]))                                      \
+    X(removeOutputGroup, "ng", g.removeOutputGroup(a[0], a[1]))                                    \
+    X(setInputGroupName, "ngs", g.setInputGroupName(a[0], a[1], s[0]))                             \
+    X(setOutputGroupName, "ngs", g.setOutputGroupName(a[0], a[1], s[0]))                           \
+    X(numNodesGlobal, "", out.is(g.numNodesGlobal()))                                              \
+    X(getNodeGlobal, "v", out.is(g.getNodeGlobal(a[0])))                                           \
+    X(numEdgesGlobal, "", out.is(g.numEdgesGlobal()))                                              \
+    X(getEdgeGlobal, "v", out.is(g.getEdgeGlobal(a[0])))                                           \
+    X(isValidNode, "n", out.is(g.isValidNode(a[0])))                                               \
+    X(isValidInput, "np", out.is(g.isValidInput(a[0], a[1])))                                      \
+    X(isValidOutput, "np", out.is(g.isValidOutput(a[0], a[1])))                                    \
+    X(isValidInputGroup, "ng", out.is(g.isValidInputGroup(a[0], a[1])))                            \
+    X(isValidOutputGroup, "ng", out.is(g.isValidOutputGroup(a[0], a[1])))                          \
+    X(isValidEdge, "e", out.is(g.isValidEdge(a[0])))                                               \
+    X(isRegularEdge, "e", out.is(g.isRegularEdge(a[0])))                                           \
+    X(isDownEdge, "e", out.is(g.isDownEdge(a[0])))                                                 \
+    X(isUpEdge, "e", out.is(g.isUpEdge(a[0])))                                                     \
+    X(parentNode, "n", out.is(g.parentNode(a[0])))                                                 \
+    X(contains, "nn", out.is(g.contains(a[0], a[1])))                                              \
+    X(numNodes, "n", out.is(g.numNodes(a[0])))                                                     \
+    X(getNode, "in", out.is(g.getNode(a[0], a[1])))                                                \
+    X(indexOfNode, "n", out.is(g.indexOfNode(a[0])))                                               \
+    X(findNode, "sn", out.is(g.findNode(s[0], a[0])))                                              \
+    X(findNodeFromValue, "vn", out.is(g.findNodeFromValue(a[0], a[1])))                            \
+    X(nodeName, "n", out.is(g.nodeName(a[0])))                                                     \
+    X(nodeValue, "n", out.is(g.nodeValue(a[0])))                                                   \
+    X(numInputs, "n", out.is(g.numInputs(a[0])))                                                   \
+    X(numOutputs, "n", out.is(g.numOutputs(a[0])))                                                 \
+    X(findInput, "ns", out.is(g.findInput(a[0], s[0])))                                            \
+    X(findOutput, "ns", out.is(g.findOutput(a[0], s[0])))                                          \
+    X(inputName, "np", out.is(g.inputName(a[0], a[1])))                                            \
+    X(outputName, "np", out.is(g.outputName(a[0], a[1])))                                          \
+    X(inputGroup, "np", out.is(g.inputGroup(a[0], a[1])))                                          \
+    X(outputGroup, "np", out.is(g.outputGroup(a[0], a[1])))                                        \
+    X(numInputGroups, "n", out.is(g.numInputGroups(a[0])))                                         \
+    X(numOutputGroups, "n", out.is(g.numOutputGroups(a[0])))                                       \
+    X(findInputGroup, "ns", out.is(g.findInputGroup(a[0], s[0])))                                  \
+    X(findOutputGroup, "ns", out.is(g.findOutputGroup(a[0], s[0])))                                \
+    X(inputGroupName, "ng", out.is(g.inputGroupName(a[0], a[1])))                                  \
+    X(outputGroupName, "ng", out.is(g.outputGroupName(a[0], a[1])))                                \
+    X(edgeSourceNode, "e", out.is(g.edgeSourceNode(a[0])))                                         \
+    X(edgeSourceIndex, "e", out.is(g.edgeSourceIndex(a[0])))                                       \
+    X(edgeDestNode, "e", out.is(g.edgeDestNode(a[0])))                                             \
+    X(edgeDestIndex, "e", out.is(g.edgeDestIndex(a[0])))                                           \
+    X(inputSource, "np", out.is(g.inputSource(a[0], a[1])))                                        \
+    X(outputSource, "np", out.is(g.outputSource(a[0], a[1])))                                      \
+    X(numInputDestinations, "np", out.is(g.numInputDestinations(a[0], a[1])))                      \
+    X(inputDestination, "npi", out.is(g.inputDestination(a[0], a[1], a[2])))                       \
+    X(isValidInputDestination, "npi", out.is(g.isValidInputDestination(a[0], a[1], a[2])))         \
+    X(numOutputDestinations, "np", out.is(g.numOutputDestinations(a[0], a[1])))                    \
+    X(outputDestination, "npi", out.is(g.outputDestination(a[0], a[1], a[2])))                     \
+    X(isValidOutputDestination, "npi", out.is(g.isValidOutputDestination(a[0], a[1], a[2])))       \
+    X(walkUp, "np", out.is(g.walkUp(out.from(a[0]), out.at(a[1]))))                                \
+    X(walkAcross, "np", out.is(g.walkAcross(out.from(a[0]), out.at(a[1]))))                        \
+    X(walkDown, "np", out.is(g.walkDown(out.from(a[0]), out.at(a[1]))))                            \
+    X(walkToSourceNode, "np", out.is(g.walkToSourceNode(out.from(a[0]), out.at(a[1]))))            \
+    X(precedes, "nnb", out.is(g.precedes(a[0], a[1], a[2] != 0)))                                  \
+    X(bottomUpInputs, "nb", out.order = bottomUpInputs(g, a[0], a[1] != 0))                        \
+    X(breadthFirstInputs, "nb", out.order = breadthFirstInputs(g, a[0], a[1] != 0))                \
+    X(bottomUpSubgraph, "n", out.order = bottomUpSubgraph(g, a[0]))                                \
     X(dumpAsGraphviz, "", dumpAsGraphviz(&g))
 
 enum class GraphOp : std::uint8_t {
@@ -209,10 +209,10 @@ Outcome perform(G& g, const GraphCall& call)
     (void)s;
     try {
         switch (call.op) {
-#define ORV_CASE(name, roles, expression)                                                           \
-    case GraphOp::name:                                                                             \
-        expression;                                                                                 \
-        break;
+#define ORV_CASE(name, roles, expression)                                                          \
+case GraphOp::name:                                                                                \
+    expression;                                                                                    \
+    break;
             ORV_GRAPH_CALLS(ORV_CASE)
 #undef ORV_CASE
         }
