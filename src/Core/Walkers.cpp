@@ -183,15 +183,16 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     , queue(nullptr)
     , head(0)
     , tail(0)
-    , numNodes(graph->numNodesGlobal())
 {
+    const int numNodes = graph->numNodesGlobal();
     visited = new unsigned char[static_cast<std::size_t>(numNodes)]();
     try {
-        queue = new int[static_cast<std::size_t>(numNodes) + 1];
+        queue = new int[static_cast<std::size_t>(numNodes) + 2] + 1;
     } catch (...) {
         delete[] visited;
         throw;
     }
+    queue[-1] = numNodes;
     if (node == Graph::kInvalidNodeRef)
         return;
     if (node >= 0 && node < numNodes)
@@ -201,7 +202,7 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
 
 BreadthFirstInputWalker::~BreadthFirstInputWalker()
 {
-    delete[] queue;
+    delete[] (queue - 1);
     delete[] visited;
 }
 
@@ -222,6 +223,7 @@ void BreadthFirstInputWalker::next()
     const GraphTables& tables = tablesOf(*graph);
     const GraphView view = tables.view();
     const Node& node = tables.node(queue[head++]);
+    const int numNodes = queue[-1];
     for (const Port& input : node.inputs) {
         const int source = view.feedingNode(node, input, followHierarchy);
         if (source < 0 || source >= numNodes || visited[source])

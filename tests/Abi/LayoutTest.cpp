@@ -95,7 +95,7 @@ TEST(AbiLayout, WalkersKeepTheirSizes)
 {
     EXPECT_EQ(sizeof(BottomUpInputWalker), 48U);
     EXPECT_EQ(sizeof(BottomUpSubgraphWalker), 24U);
-    EXPECT_EQ(sizeof(BreadthFirstInputWalker), 48U);
+    EXPECT_EQ(sizeof(BreadthFirstInputWalker), 40U);
 }
 
 TEST(AbiLayout, WalkerFieldsStandInOrder)

@@ -12,6 +12,13 @@
 
 using namespace Kestrin::Orv;
 
+// A port count beyond all memory is to end as std::bad_alloc under AddressSanitizer too.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
+const char* __asan_default_options()
+{
+    return "allocator_may_return_null=1";
+}
+
 namespace {
 
 /// A chain of three passes: a parameter feeds the first, the last feeds the renderer's output.

@@ -21,8 +21,8 @@
 /// ORV_GRAPH_CALLS(X) lists them as X(name, roles, expression). The roles tell what each argument
 /// is, in the order of the declaration: n node, e edge, p port, g group, i index, v any value,
 /// c port count, b bool, s string. The expression is carried out on graph `g` with the integers
-/// a[0], a[1], ... and the strings s[0], s[1], each numbered from the left. It comes first the calls
-/// that change the graph.
+/// a[0], a[1], ... and the strings s[0], s[1], each numbered from the left. The calls that
+/// change the graph come first.
 #define ORV_GRAPH_CALLS(X)                                                                         \
     X(addNode, "sccn", out.is(g.addNode(s[0], a[0], a[1], a[2])))                                  \
     X(addEdge, "npnp", out.is(g.addEdge(a[0], a[1], a[2], a[3])))                                  \

@@ -119,10 +119,9 @@ private:
     const Graph* graph;
     bool followHierarchy;
     unsigned char* visited; // by node ref
-    int* queue;
+    int* queue; // preceded by the length of `visited`
     int head;
     int tail;
-    int numNodes; // length of `visited`
 };
 
 } // namespace Orv
