@@ -202,7 +202,7 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
 
 BreadthFirstInputWalker::~BreadthFirstInputWalker()
 {
-    delete[] (queue - 1);
+    delete[](queue - 1);
     delete[] visited;
 }
 

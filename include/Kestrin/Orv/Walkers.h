@@ -119,7 +119,7 @@ private:
     const Graph* graph;
     bool followHierarchy;
     unsigned char* visited; // by node ref
-    int* queue; // preceded by the length of `visited`
+    int* queue;             // preceded by the length of `visited`
     int head;
     int tail;
 };
