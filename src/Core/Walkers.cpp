@@ -187,12 +187,13 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     const int numNodes = graph->numNodesGlobal();
     visited = new unsigned char[static_cast<std::size_t>(numNodes)]();
     try {
-        queue = new int[static_cast<std::size_t>(numNodes) + 2] + 1;
+        int* const lengthAndQueue = new int[static_cast<std::size_t>(numNodes) + 2];
+        lengthAndQueue[0] = numNodes;
+        queue = lengthAndQueue + 1;
     } catch (...) {
         delete[] visited;
         throw;
     }
-    queue[-1] = numNodes;
     if (node == Graph::kInvalidNodeRef)
         return;
     if (node >= 0 && node < numNodes)
