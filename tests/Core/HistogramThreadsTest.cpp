@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/HistogramFrameTimes.h>
 
+#include "support/AnnotatedMutex.h"
 #include "support/MessageRecorder.h"
 
 #include <gtest/gtest.h>
