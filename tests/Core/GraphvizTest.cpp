@@ -195,6 +195,19 @@ TEST(Graphviz, WritesOneLineForEachNodeThoughTheNamesAreTheSame)
         withLines("  \"a\";\n  \"b\";\n  \"b\";\n", "  \"a\" -> \"b\";\n  \"a\" -> \"b\";\n"));
 }
 
+// The edge outlives its output's move only in the list.
+TEST(Graphviz, WritesWhatTheOutputsOfAListedRemovedNodeStillList)
+{
+    Graph graph;
+    const int a = addNode(graph, "a");
+    const int b = addNode(graph, "b");
+    graph.addEdge(a, 2, b, 0);
+    graph.removeOutput(a, 0);
+    graph.removeOutput(a, 0);
+    graph.removeChildNode(a);
+    EXPECT_EQ(dump(graph), withLines("  \"a\";\n  \"b\";\n", "  \"a\" -> \"b\";\n"));
+}
+
 TEST(Graphviz, WritesNamesAsTheyAre)
 {
     Graph graph;

@@ -444,3 +444,18 @@ TEST_F(MappedFile, IsOpenFromConstructionToDestruction)
     }
     EXPECT_FALSE(isOpen());
 }
+
+TEST_F(MappedFile, RangesAreMappedSharedAndForReadingAlone)
+{
+    const QString name = writeFile("file", 100);
+    MemoryMappedFile file(name);
+    ASSERT_NE(file.get(0, 100), nullptr);
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    ASSERT_TRUE(maps.open(QIODevice::ReadOnly));
+    for (const QByteArray& line : maps.readAll().split('\n')) {
+        if (line.endsWith(QFile::encodeName(name))) {
+            EXPECT_EQ(line.split(' ').value(1), "r--s");
+        }
+    }
+    EXPECT_EQ(numMappings(name), 1);
+}

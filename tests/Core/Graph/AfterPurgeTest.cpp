@@ -521,3 +521,33 @@ TEST(GraphAfterPurge, ADeepTreeBelowALoopIsWalkedAndRemovedWithoutRecursion)
     EXPECT_EQ(walked, depth + 1u);
     EXPECT_EQ(validNodes(graph), Refs{1});
 }
+
+TEST(GraphAfterPurge, TheSubtreeWalkPassesOverChildrenThatAreNoNodes)
+{
+    Graph graph;
+    const int gone = graph.addNode(QString(), 0, 0, kRoot);
+    graph.addNode(QString(), 0, 0, kRoot);
+    graph.addNode(QString(), 0, 0, kRoot);
+    graph.removeNode(gone);
+    graph.purge();
+    ASSERT_EQ(children(graph, kRoot), (Refs{0, -1}));
+    EXPECT_EQ(walk(BottomUpSubgraphWalker(graph, kRoot)), Refs{kRoot});
+}
+
+// The parent is the number that it was: the edge does not come from a child any more.
+TEST(GraphAfterPurge, WalkDownStopsWhereTheParentsNumberIsStale)
+{
+    Graph graph;
+    const int gone = graph.addNode(QString(), 0, 0, kRoot);
+    const int group = graph.addNode(QString(), 0, 1, kRoot);
+    const int child = graph.addNode(QString(), 0, 1, group);
+    const int edge = graph.addUpEdge(0, child, 0);
+    graph.removeNode(gone);
+    graph.purge();
+    ASSERT_EQ(graph.outputSource(1, 0), edge);
+    ASSERT_EQ(graph.parentNode(2), 2);
+    int node = 1;
+    int port = 0;
+    EXPECT_FALSE(graph.walkDown(node, port));
+    EXPECT_EQ(node, 1);
+}

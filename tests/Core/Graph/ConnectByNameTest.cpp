@@ -843,3 +843,50 @@ TEST_F(ConnectDownByName, RepeatedAddsNothing)
     ASSERT_EQ(graph.numEdgesGlobal(), 2);
     expectNoChange([&] { graph.connectDownByName(c); });
 }
+
+TEST_F(ConnectDownByName, InputsThatFeedOthersAreNoReasonToSkipThem)
+{
+    const int group = addNode("group", {"in"}, {});
+    const int child = addNode("child", {"in"}, {}, group);
+    graph.addDownEdge(0, addNode("inner", {"in"}, {}, child), 0);
+    graph.connectDownByName(child);
+    EXPECT_NE(graph.inputSource(child, 0), -1);
+}
+
+// A port that has moved keeps its edges, whose stored index is the old one: their removal leaves them
+// listed. Only the first in the list decides what the port feeds, and a removed edge is of no kind.
+
+TEST_F(ConnectDownByName, OnlyTheFirstEdgeOfAParentInputCounts)
+{
+    const int group = addNode("group", {"moved away", "in"}, {});
+    const int first = graph.addDownEdge(1, addNode("a", {"in"}, {}, group), 0);
+    const int second = graph.addDownEdge(1, addNode("b", {"in"}, {}, group), 0);
+    graph.removeInput(group, 0);
+    graph.removeEdge(second);
+    ASSERT_EQ(inputDestinations(graph, group, 0), (Refs{first, second}));
+    const int child = addNode("child", {"in"}, {}, group);
+    graph.connectDownByName(child);
+    EXPECT_NE(graph.inputSource(child, 0), -1);
+}
+
+TEST_F(ConnectDownByName, AParentInputWhoseFirstEdgeIsRemovedIsSkipped)
+{
+    const int group = addNode("group", {"moved away", "in"}, {});
+    const int first = graph.addDownEdge(1, addNode("a", {"in"}, {}, group), 0);
+    graph.removeInput(group, 0);
+    graph.removeEdge(first);
+    ASSERT_EQ(inputDestinations(graph, group, 0), Refs{first});
+    const int child = addNode("child", {"in"}, {}, group);
+    expectNoChange([&] { graph.connectDownByName(child); });
+}
+
+TEST_F(ConnectUpByName, AParentOutputWhoseFirstEdgeIsRemovedIsSkipped)
+{
+    const int group = addNode("group", {}, {"moved away", "out"});
+    const int first = graph.addEdge(group, 1, addNode("sibling", {"in"}, {}), 0);
+    graph.removeOutput(group, 0);
+    graph.removeEdge(first);
+    ASSERT_EQ(outputDestinations(graph, group, 0), Refs{first});
+    const int child = addNode("child", {}, {"out"}, group);
+    expectNoChange([&] { graph.connectUpByName(child); });
+}

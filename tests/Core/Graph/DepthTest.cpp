@@ -6,12 +6,9 @@
 
 #include <Kestrin/Orv/Graph.h>
 
-#include <gtest/gtest.h>
+#include "support/Growth.h"
 
-#include <algorithm>
-#include <chrono>
-#include <functional>
-#include <limits>
+#include <gtest/gtest.h>
 
 using Kestrin::Orv::Graph;
 
@@ -20,12 +17,6 @@ namespace {
 const int kRoot = Graph::kRootNodeRef;
 const int kDepth = 100000;
 const int kChainLength = 1000000;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-const bool kTimesCount = false; // the sanitizers' own work stands in the foreground
-#else
-const bool kTimesCount = true;
-#endif
 
 // Groups one within the other, every one with an input that runs down into the next and an output
 // that runs up out of it.
@@ -69,41 +60,6 @@ public:
     int first;
     int last;
 };
-
-double seconds(const std::function<void()>& work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The best of several times that it takes to tear down what a fresh Subject of this size holds.
-template<typename Subject>
-double bestTime(int size, void (*work)(Subject&))
-{
-    double best = std::numeric_limits<double>::max();
-    for (int i = 0; i < 5; ++i) {
-        Subject subject(size);
-        best = std::min(best, seconds([&] { work(subject); }));
-    }
-    return best;
-}
-
-// Twice the size takes twice the time when the work is linear, four times when it is quadratic. On
-// a busy machine one measurement may mislead; three in a row do not.
-template<typename Subject>
-void expectLinear(int size, void (*work)(Subject&))
-{
-    if (!kTimesCount)
-        GTEST_SKIP() << "times mean nothing in this build";
-    double ratio = 0;
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        ratio = bestTime(2 * size, work) / bestTime(size, work);
-        if (ratio < 3)
-            return;
-    }
-    ADD_FAILURE() << "twice the size takes " << ratio << " times as long";
-}
 
 // One output that feeds inputs of as many siblings.
 struct FanOut

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "support/RecordingPass.h"
+#include "support/RefusedAllocations.h"
 #include "support/RendererInternals.h"
 
 #include <gtest/gtest.h>
@@ -11,18 +12,6 @@
 #include <vector>
 
 using namespace Kestrin::Orv;
-
-// The sanitizers end the program at an allocation that cannot succeed, unless told otherwise.
-extern "C" const char* __asan_default_options();
-extern "C" const char* __asan_default_options()
-{
-    return "allocator_may_return_null=1";
-}
-extern "C" const char* __tsan_default_options();
-extern "C" const char* __tsan_default_options()
-{
-    return "allocator_may_return_null=1";
-}
 
 namespace {
 
