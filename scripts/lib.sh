@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # What building the library, its examples and its tests takes on Debian 12.
 build_packages=(
-    cmake ninja-build g++ qtbase5-dev
+    cmake ninja-build g++ pkg-config qtbase5-dev
     libassimp-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
     graphviz
 )
@@ -16,10 +16,10 @@ package_packages=(
 )
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
-    abigail-tools pkg-config "${package_packages[@]}"
+    abigail-tools "${package_packages[@]}"
 )
 check_packages=(
-    git pkg-config clang-format-14 clang-tidy-14
+    git clang-format-14 clang-tidy-14
 )
 
 # install_packages PACKAGE...: installs those that are missing; says which.
