@@ -8,7 +8,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # What building the library, its examples and its tests takes on Debian 12.
 build_packages=(
     cmake ninja-build g++ pkg-config qtbase5-dev
-    libassimp-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
+    libassimp-dev zlib1g-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
     graphviz
 )
 package_packages=(
