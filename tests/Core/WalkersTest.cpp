@@ -282,14 +282,14 @@ TEST(BottomUpInputWalker, YieldsTheStartOfACycleTwice)
 
 TEST(BottomUpInputWalker, YieldsEachNodeOfALadderOfDiamondsOnce)
 {
-    const int count = 64;
+    constexpr std::size_t count = 64;
     Graph graph;
     const int group = addPass(graph);
     std::array<int, 3 * count + 1> node;
     for (int& ref : node)
         ref = addPass(graph, group);
-    for (int i = 0; i < count; ++i) {
-        const int from = 3 * i;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t from = 3 * i;
         graph.addEdge(node[from], 0, node[from + 1], 0);
         graph.addEdge(node[from], 0, node[from + 2], 0);
         graph.addEdge(node[from + 1], 0, node[from + 3], 0);
