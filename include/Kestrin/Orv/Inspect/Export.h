@@ -1,0 +1,15 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_EXPORT_H
+#define KESTRIN_ORV_INSPECT_EXPORT_H
+
+/// ORV_INSPECT_EXPORT marks what libOrvInspect exports; everything else is hidden. It is empty in a
+/// static build, which defines ORV_CORE_STATIC for itself and its users.
+#if defined(ORV_CORE_STATIC)
+#    define ORV_INSPECT_EXPORT
+#else
+#    define ORV_INSPECT_EXPORT __attribute__((visibility("default")))
+#endif
+
+#endif

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_LINT_H
+#define KESTRIN_ORV_INSPECT_LINT_H
+
+#include <Kestrin/Orv/Inspect/Export.h>
+#include <Kestrin/Orv/Inspect/Paths.h>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+/// Something about a graph that is allowed but seldom meant.
+struct Finding
+{
+    QString code;  ///< stable and documented, such as "unread-output"
+    QString text;  ///< for people, one line, with everything named by its path
+    int node = -1; ///< the node that it is about
+    PortRef port;  ///< the port, if it is about one; its node is -1 otherwise
+    int edge = -1; ///< the edge, if it is about one
+};
+
+/// Looks for everything that the documentation of the codes lists. Findings come in the order of the
+/// node table, then of ports, then of edges. Linear in what the snapshot holds.
+ORV_INSPECT_EXPORT QVector<Finding> lint(const Snapshot& snapshot);
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_PICTURE_H
+#define KESTRIN_ORV_INSPECT_PICTURE_H
+
+#include <Kestrin/Orv/Inspect/Export.h>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
+
+#include <QtCore/QByteArray>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+/// The whole hierarchy as Graphviz text, UTF-8: groups as clusters, ports as cells of their node, and
+/// what runs, is disabled, not needed or failed told apart by label and line style as well as colour.
+/// The same bytes for the same snapshot everywhere; every name is escaped.
+/// \param failed the nodes whose passes have failed.
+/// Linear in what the snapshot holds.
+ORV_INSPECT_EXPORT QByteArray toGraphviz(const Snapshot& snapshot,
+                                         const QVector<int>& failed = QVector<int>());
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,33 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_SCHEDULE_H
+#define KESTRIN_ORV_INSPECT_SCHEDULE_H
+
+#include <Kestrin/Orv/Inspect/Export.h>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+/// What Renderer::setup() would do, worked out without calling a pass.
+struct Schedule
+{
+    QVector<int> order;     ///< the nodes of the passes that run, in their order of execution
+    QVector<int> positions; ///< by node ref: its position in `order`; -1 for one that does not run
+    QVector<bool> needed; ///< by node ref: reached from an output or the target, disabled ones too
+    /// By node ref and output index: the number of users that the pass is told; empty for nodes that do
+    /// not run.
+    QVector<QVector<int>> users;
+};
+
+/// Predicts the execution order and the user counts. Linear in the nodes and edges upstream of the
+/// outputs and the target, times the depth of the groups crossed.
+ORV_INSPECT_EXPORT Schedule predictSchedule(const Snapshot& snapshot);
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
+#endif

@@ -1,0 +1,124 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_SNAPSHOT_H
+#define KESTRIN_ORV_INSPECT_SNAPSHOT_H
+
+#include <Kestrin/Orv/Inspect/Export.h>
+
+#include <QtCore/QString>
+#include <QtCore/QVariant>
+#include <QtCore/QVector>
+
+#include <functional>
+
+namespace Kestrin {
+namespace Orv {
+
+class RenderPass;
+class Renderer;
+
+namespace Inspect {
+
+/// An input or output of a node.
+struct PortRecord
+{
+    QString name;
+    int group = -1;            ///< the port group that it was added to; -1 for none
+    int source = -1;           ///< the edge that feeds it; -1 for none
+    QVector<int> destinations; ///< the edges that leave it, oldest first
+    QVariant defaultValue;     ///< what the input of a pass takes when nothing live feeds it
+};
+
+/// A node of the graph: the renderer itself (node 0), a pass, or a group.
+struct NodeRecord
+{
+    QString name;
+    int parent = -1;         ///< -1 for the root
+    int value = -1;          ///< the index of a pass
+    bool removed = true;     ///< a slot that holds no node any more
+    bool pass = false;       ///< whether the renderer has a pass for the node; groups have none
+    bool enabled = false;    ///< whether that pass is enabled
+    QString type;            ///< what the host calls that kind of pass; may be empty
+    QVector<QString> groups; ///< the names of the port groups
+    QVector<PortRecord> inputs;
+    QVector<PortRecord> outputs;
+    QVector<int> children; ///< in the order in which they were added
+};
+
+/// A connection from a port to a port.
+struct EdgeRecord
+{
+    int srcNode = -1;
+    int srcIndex = -1;
+    int dstNode = -1;
+    int dstIndex = -1;
+    bool removed = true; ///< a slot that holds no edge any more
+};
+
+/// Which way an edge runs, as Graph tells it from the parents of its ends.
+enum class EdgeKind {
+    None,    ///< none of those below: its ends have been removed, or lie in unrelated groups
+    Regular, ///< from an output to the input of a sibling
+    Down,    ///< from an input of a group to an input of its child
+    Up       ///< from an output of a child to an output of its group
+};
+
+/// What a renderer and its graph look like at one moment, as plain data.
+///
+/// Everything in this library works on snapshots: they are taken from a renderer or read from a
+/// document, can be handed to other threads, and stay what they are when the renderer goes on. Node
+/// and edge refs are those of the graph, port indices as well.
+///
+/// The fields may be filled by hand; whatever they hold, no operation reads outside them. The
+/// queries answer for a ref or an index that names nothing as for an empty record.
+class ORV_INSPECT_EXPORT Snapshot
+{
+public:
+    /// Tells what the host calls the kind of a pass; empty if it does not know.
+    using TypeOf = std::function<QString(const RenderPass&)>;
+
+    /// A renderer with nothing in it but the root.
+    Snapshot();
+    /// What \p renderer looks like now, removed nodes and edges included. Calls numInputs() and
+    /// defaultValue() of its passes, and \p typeOf, if there is one, once for each pass; a pass that
+    /// this library has made knows its type without it. Linear in what the graph holds.
+    static Snapshot of(Renderer& renderer, const TypeOf& typeOf = TypeOf());
+
+    /// The node of a ref.
+    const NodeRecord& node(int ref) const;
+    /// The edge of a ref.
+    const EdgeRecord& edge(int ref) const;
+    /// An input of a node.
+    const PortRecord& input(int node, int index) const;
+    /// An output of a node.
+    const PortRecord& output(int node, int index) const;
+    /// Which way an edge runs; EdgeKind::None for a removed one.
+    EdgeKind kindOf(int edge) const;
+    /// Whether the node has a pass that is enabled: the only ones that are run and read.
+    bool isLivePass(int node) const;
+
+    /// The walks of Graph of the same names, with the same answers.
+    bool walkUp(int& node, int& port) const;
+    bool walkAcross(int& node, int& port) const;
+    bool walkDown(int& node, int& port) const;
+    bool walkToSourceNode(int& node, int& port) const;
+
+    QVector<NodeRecord> nodes; ///< by ref; the root is the first
+    QVector<EdgeRecord> edges; ///< by ref
+    /// The values of the renderer's parameters; their names are those of the root's inputs.
+    QVector<QVariant> parameters;
+    /// How many outputs the renderer keeps; their names are those of the root's outputs.
+    int numOutputs = 0;
+    int target = -1; ///< the node that the renderer was given as its target; -1 for none
+};
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::PortRecord, Q_MOVABLE_TYPE);
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::NodeRecord, Q_MOVABLE_TYPE);
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::EdgeRecord, Q_MOVABLE_TYPE);
+
+#endif

@@ -1,0 +1,287 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include <Kestrin/Orv/Inspect/Paths.h>
+
+#include "LookUp.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QPair>
+#include <QtCore/QStringList>
+
+#include <algorithm>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+namespace {
+
+/// Where each name stands in a list.
+using Positions = QHash<QString, QVector<int>>;
+
+const int kUnique = -1;
+const int kUnlisted = -2;
+
+bool mustBeEscaped(QChar c)
+{
+    switch (c.unicode()) {
+    case '%':
+    case '/':
+    case '.':
+    case '[':
+    case ']':
+    case '>':
+    case 0x7F:
+        return true;
+    default:
+        return c.unicode() < 0x20;
+    }
+}
+
+/// One part of a path, taken apart.
+struct Segment
+{
+    QString name;
+    int ordinal = kUnique; // which of that name, if the path says so
+    bool valid = false;
+};
+
+Segment parseSegment(const QString& text)
+{
+    Segment segment;
+    const int bracket = text.indexOf(QLatin1Char('['));
+    const QString name = text.left(bracket);
+    if (bracket >= 0) {
+        if (!text.endsWith(QLatin1Char(']')))
+            return segment;
+        bool isNumber = false;
+        segment.ordinal = text.mid(bracket + 1, text.size() - bracket - 2).toInt(&isNumber);
+        if (!isNumber || segment.ordinal < 0)
+            return segment;
+    } else if (name.isEmpty()) {
+        return segment; // an empty name is followed by a number
+    }
+
+    segment.name.reserve(name.size());
+    for (int i = 0; i < name.size(); ++i) {
+        if (name.at(i) != QLatin1Char('%')) {
+            segment.name += name.at(i);
+            continue;
+        }
+        bool isNumber = false;
+        const uint code = name.mid(i + 1, 2).toUInt(&isNumber, 16);
+        if (!isNumber || i + 2 >= name.size())
+            return segment;
+        segment.name += QChar(code);
+        i += 2;
+    }
+    segment.valid = true;
+    return segment;
+}
+
+/// Those of the positions that a segment may mean.
+QVector<int> chosen(const QVector<int>& positions, const Segment& segment)
+{
+    if (segment.ordinal == kUnique)
+        return positions;
+    if (segment.ordinal < positions.size())
+        return {positions.at(segment.ordinal)};
+    return {};
+}
+
+/// Adds to `name` which of its kind it is, if that is needed.
+QString numbered(const QString& name, int ordinal)
+{
+    const QString text = Paths::escaped(name);
+    if (ordinal == kUnique)
+        return name.isEmpty() ? QStringLiteral("[0]") : text;
+    return text + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
+}
+
+Positions positionsOf(const QVector<PortRecord>& ports)
+{
+    Positions positions;
+    positions.reserve(ports.size());
+    for (int i = 0; i < ports.size(); ++i)
+        positions[ports.at(i).name].append(i);
+    return positions;
+}
+
+} // namespace
+
+struct Paths::Impl
+{
+    explicit Impl(const Snapshot& shown);
+
+    QString segment(int node) const;
+    QVector<int> portsOfName(int node, bool isOutput, const QString& name) const;
+    QString port(int node, int index, bool isOutput) const;
+
+    const Snapshot& snapshot;
+    /// The live children of a node, by name.
+    QHash<QPair<int, QString>, QVector<int>> children;
+    /// By node: its position among the siblings of its name.
+    QVector<int> ordinals;
+    /// The ports of nodes with many of them; those of others are searched one by one.
+    QHash<QPair<int, bool>, Positions> portIndex;
+};
+
+Paths::Impl::Impl(const Snapshot& shown)
+    : snapshot(shown)
+    , ordinals(shown.nodes.size(), kUnlisted)
+{
+    const int manyPorts = 16;
+    children.reserve(snapshot.nodes.size());
+    for (int parent = 0; parent < snapshot.nodes.size(); ++parent) {
+        const NodeRecord& record = snapshot.nodes.at(parent);
+        for (const int child : record.children) {
+            const NodeRecord& node = snapshot.node(child);
+            if (node.removed || node.parent != parent || ordinals.at(child) != kUnlisted)
+                continue;
+            QVector<int>& siblings = children[qMakePair(parent, node.name)];
+            ordinals[child] = siblings.size();
+            siblings.append(child);
+        }
+        if (record.inputs.size() > manyPorts)
+            portIndex.insert(qMakePair(parent, false), positionsOf(record.inputs));
+        if (record.outputs.size() > manyPorts)
+            portIndex.insert(qMakePair(parent, true), positionsOf(record.outputs));
+    }
+    for (const QVector<int>& siblings : qAsConst(children)) {
+        if (siblings.size() == 1)
+            ordinals[siblings.first()] = kUnique;
+    }
+}
+
+QString Paths::Impl::segment(int ref) const
+{
+    const NodeRecord& node = snapshot.node(ref);
+    const int ordinal = ordinals.at(ref);
+    if (ordinal != kUnlisted)
+        return numbered(node.name, ordinal);
+    return escaped(node.name)
+        + (node.removed ? QLatin1String("[removed ") : QLatin1String("[unlisted "))
+        + QString::number(ref) + QLatin1Char(']');
+}
+
+QVector<int> Paths::Impl::portsOfName(int ref, bool isOutput, const QString& name) const
+{
+    const auto index = portIndex.constFind(qMakePair(ref, isOutput));
+    if (index != portIndex.constEnd())
+        return index->value(name);
+
+    QVector<int> found;
+    const NodeRecord& node = snapshot.node(ref);
+    const QVector<PortRecord>& ports = isOutput ? node.outputs : node.inputs;
+    for (int i = 0; i < ports.size(); ++i) {
+        if (ports.at(i).name == name)
+            found.append(i);
+    }
+    return found;
+}
+
+Paths::Paths(const Snapshot& snapshot)
+    : impl(new Impl(snapshot))
+{
+}
+
+Paths::~Paths() = default;
+
+QString Paths::escaped(const QString& name)
+{
+    QString text;
+    text.reserve(name.size());
+    for (const QChar c : name) {
+        if (mustBeEscaped(c))
+            text += QLatin1Char('%') + QString::number(c.unicode() + 0x100, 16).right(2).toUpper();
+        else
+            text += c;
+    }
+    return text;
+}
+
+QString Paths::node(int ref) const
+{
+    // Parents that a compaction has left out of step may lead in a circle.
+    const Snapshot& snapshot = impl->snapshot;
+    QStringList segments;
+    int node = ref;
+    for (int steps = snapshot.nodes.size(); node > 0 && node < snapshot.nodes.size(); --steps) {
+        if (steps == 0) {
+            segments = QStringList{impl->segment(ref), QStringLiteral("[circle]")};
+            break;
+        }
+        segments.append(impl->segment(node));
+        node = snapshot.node(node).parent;
+    }
+    std::reverse(segments.begin(), segments.end());
+    return segments.join(QLatin1Char('/'));
+}
+
+QString Paths::input(int node, int index) const
+{
+    return port({node, index, false});
+}
+
+QString Paths::output(int node, int index) const
+{
+    return port({node, index, true});
+}
+
+QString Paths::port(const PortRef& ref) const
+{
+    const NodeRecord& record = impl->snapshot.node(ref.node);
+    const QVector<PortRecord>& ports = ref.isOutput ? record.outputs : record.inputs;
+    QString name;
+    if (ref.index >= 0 && ref.index < ports.size()) {
+        name = ports.at(ref.index).name;
+        const QVector<int> same = impl->portsOfName(ref.node, ref.isOutput, name);
+        name = numbered(name, same.size() == 1 ? kUnique : same.indexOf(ref.index));
+    } else {
+        name = (ref.isOutput ? QLatin1String("[no output ") : QLatin1String("[no input "))
+            + QString::number(ref.index) + QLatin1Char(']');
+    }
+    return ref.node == 0 ? name : node(ref.node) + QLatin1Char('.') + name;
+}
+
+QVector<int> Paths::findNodes(const QString& path) const
+{
+    QVector<int> found{0};
+    if (path.isEmpty())
+        return found;
+    const QStringList segments = path.split(QLatin1Char('/'));
+    for (const QString& text : segments) {
+        const Segment segment = parseSegment(text);
+        if (!segment.valid)
+            return {};
+        QVector<int> next;
+        for (const int parent : qAsConst(found))
+            next += chosen(impl->children.value(qMakePair(parent, segment.name)), segment);
+        found = next;
+    }
+    return found;
+}
+
+QVector<PortRef> Paths::findPorts(const QString& path) const
+{
+    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    const Segment segment = parseSegment(path.mid(dot + 1));
+    QVector<PortRef> found;
+    if (!segment.valid || dot == 0)
+        return found;
+    const QVector<int> nodes = findNodes(path.left(qMax(dot, 0)));
+    for (const bool isOutput : {false, true}) {
+        for (const int node : nodes) {
+            const QVector<int> ports =
+                chosen(impl->portsOfName(node, isOutput, segment.name), segment);
+            for (const int index : ports)
+                found.append({node, index, isOutput});
+        }
+    }
+    return found;
+}
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin

@@ -1,0 +1,208 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include <Kestrin/Orv/Inspect/Snapshot.h>
+
+#include "LookUp.h"
+
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/RenderPass.h>
+#include <Kestrin/Orv/Renderer.h>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+namespace {
+
+QVector<PortRecord> inputsOf(const Graph& graph, int node)
+{
+    QVector<PortRecord> ports(graph.numInputs(node));
+    for (int i = 0; i < ports.size(); ++i) {
+        PortRecord& port = ports[i];
+        port.name = graph.inputName(node, i);
+        port.group = graph.inputGroup(node, i);
+        port.source = graph.inputSource(node, i);
+        port.destinations.resize(graph.numInputDestinations(node, i));
+        for (int k = 0; k < port.destinations.size(); ++k)
+            port.destinations[k] = graph.inputDestination(node, i, k);
+    }
+    return ports;
+}
+
+QVector<PortRecord> outputsOf(const Graph& graph, int node)
+{
+    QVector<PortRecord> ports(graph.numOutputs(node));
+    for (int i = 0; i < ports.size(); ++i) {
+        PortRecord& port = ports[i];
+        port.name = graph.outputName(node, i);
+        port.group = graph.outputGroup(node, i);
+        port.source = graph.outputSource(node, i);
+        port.destinations.resize(graph.numOutputDestinations(node, i));
+        for (int k = 0; k < port.destinations.size(); ++k)
+            port.destinations[k] = graph.outputDestination(node, i, k);
+    }
+    return ports;
+}
+
+void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
+{
+    record.pass = true;
+    if (typeOf)
+        record.type = typeOf(pass);
+    const int numInputs = pass.numInputs();
+    int index = 0;
+    for (PortRecord& input : record.inputs) {
+        if (index >= numInputs)
+            break;
+        input.defaultValue = pass.defaultValue(index++);
+    }
+}
+
+} // namespace
+
+Snapshot::Snapshot()
+{
+    NodeRecord root;
+    root.removed = false;
+    nodes.append(root);
+}
+
+Snapshot Snapshot::of(Renderer& renderer, const TypeOf& typeOf)
+{
+    Snapshot snapshot;
+    const Graph& graph = *renderer.getGraph();
+
+    snapshot.nodes.resize(graph.numNodesGlobal());
+    for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
+        NodeRecord& node = snapshot.nodes[ref];
+        node.name = graph.nodeName(ref);
+        node.parent = graph.parentNode(ref);
+        node.value = graph.nodeValue(ref);
+        node.removed = !graph.isValidNode(ref);
+        node.enabled = renderer.enabled(ref);
+        node.groups.resize(graph.numInputGroups(ref));
+        for (int i = 0; i < node.groups.size(); ++i)
+            node.groups[i] = graph.inputGroupName(ref, i);
+        node.inputs = inputsOf(graph, ref);
+        node.outputs = outputsOf(graph, ref);
+        node.children.resize(graph.numNodes(ref));
+        for (int i = 0; i < node.children.size(); ++i)
+            node.children[i] = graph.getNode(i, ref);
+        if (const RenderPass* pass = renderer.renderPass(ref))
+            readPass(*pass, typeOf, node);
+    }
+
+    snapshot.edges.resize(graph.numEdgesGlobal());
+    for (int ref = 0; ref < snapshot.edges.size(); ++ref) {
+        EdgeRecord& edge = snapshot.edges[ref];
+        edge.srcNode = graph.edgeSourceNode(ref);
+        edge.srcIndex = graph.edgeSourceIndex(ref);
+        edge.dstNode = graph.edgeDestNode(ref);
+        edge.dstIndex = graph.edgeDestIndex(ref);
+        edge.removed = !graph.isValidEdge(ref);
+    }
+
+    snapshot.parameters.resize(renderer.numParameters());
+    for (int i = 0; i < snapshot.parameters.size(); ++i)
+        snapshot.parameters[i] = renderer.parameterValue(i);
+    snapshot.numOutputs = renderer.numOutputs();
+    snapshot.target = renderer.getTarget();
+    return snapshot;
+}
+
+const NodeRecord& Snapshot::node(int ref) const
+{
+    return lookUp(nodes, ref);
+}
+
+const EdgeRecord& Snapshot::edge(int ref) const
+{
+    return lookUp(edges, ref);
+}
+
+const PortRecord& Snapshot::input(int ref, int index) const
+{
+    return lookUp(node(ref).inputs, index);
+}
+
+const PortRecord& Snapshot::output(int ref, int index) const
+{
+    return lookUp(node(ref).outputs, index);
+}
+
+EdgeKind Snapshot::kindOf(int ref) const
+{
+    const EdgeRecord& record = edge(ref);
+    if (record.removed)
+        return EdgeKind::None;
+    const int srcParent = node(record.srcNode).parent;
+    const int dstParent = node(record.dstNode).parent;
+    if (srcParent == dstParent)
+        return EdgeKind::Regular;
+    if (record.srcNode == dstParent)
+        return EdgeKind::Down;
+    if (srcParent == record.dstNode)
+        return EdgeKind::Up;
+    return EdgeKind::None;
+}
+
+bool Snapshot::isLivePass(int ref) const
+{
+    const NodeRecord& record = node(ref);
+    return record.pass && record.enabled;
+}
+
+// As in the graph, no walk takes more steps than there are nodes: a hierarchy that a compaction has
+// left out of step may lead in a circle.
+
+bool Snapshot::walkUp(int& ref, int& port) const
+{
+    bool moved = false;
+    for (int steps = nodes.size(); steps > 0; --steps) {
+        const EdgeRecord& source = edge(input(ref, port).source);
+        if (source.removed || source.srcNode != node(ref).parent)
+            break;
+        ref = source.srcNode;
+        port = source.srcIndex;
+        moved = true;
+    }
+    return moved;
+}
+
+bool Snapshot::walkAcross(int& ref, int& port) const
+{
+    const EdgeRecord& source = edge(input(ref, port).source);
+    if (source.removed || node(source.srcNode).parent != node(ref).parent)
+        return false;
+    ref = source.srcNode;
+    port = source.srcIndex;
+    return true;
+}
+
+bool Snapshot::walkDown(int& ref, int& port) const
+{
+    bool moved = false;
+    for (int steps = nodes.size(); steps > 0; --steps) {
+        const EdgeRecord& source = edge(output(ref, port).source);
+        if (source.removed || node(source.srcNode).parent != ref)
+            break;
+        ref = source.srcNode;
+        port = source.srcIndex;
+        moved = true;
+    }
+    return moved;
+}
+
+bool Snapshot::walkToSourceNode(int& ref, int& port) const
+{
+    walkUp(ref, port);
+    if (!walkAcross(ref, port))
+        return false;
+    walkDown(ref, port);
+    return true;
+}
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
