@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "LargeGraphs.h"
 #include "RandomRenderer.h"
 #include "support/LightPass.h"
 
@@ -875,4 +876,75 @@ TEST(ExplainTotality, ExplanationsOfAnotherSnapshotAreAnsweredToo)
         EXPECT_NE(explainer.toText(edge), QString());
         EXPECT_FALSE(explainer.toJson(edge).isEmpty());
     }
+}
+
+namespace {
+
+/// The longest way that there is in the graph, told in full.
+template<typename Graph>
+void explainDeepest(Graph& graph)
+{
+    const Explainer explainer(graph.snapshot);
+    const NodeExplanation told = explainer.node(graph.deepest);
+    ASSERT_EQ(told.state, NodeExplanation::Scheduled);
+    ASSERT_FALSE(told.path.isEmpty());
+}
+
+/// The same without an output, so that the way is searched downstream.
+template<typename Graph>
+void explainUnneeded(Graph& graph)
+{
+    graph.snapshot.numOutputs = 0;
+    const Explainer explainer(graph.snapshot);
+    const NodeExplanation told = explainer.node(graph.deepest);
+    ASSERT_EQ(told.state, NodeExplanation::NotNeeded);
+    ASSERT_FALSE(told.nearestPath.isEmpty());
+}
+
+void explainCycle(LargeChain& chain)
+{
+    const int last = chain.snapshot.nodes.size() - 1;
+    chain.snapshot.nodes[last].outputs[0].destinations.clear();
+    chain.snapshot.nodes[chain.deepest].inputs.resize(1);
+    const Explainer explainer(chain.snapshot);
+    const EdgeExplanation told = explainer.edge({last, 0, true}, {chain.deepest, 0, false});
+    ASSERT_EQ(told.rule, EdgeExplanation::Cycle);
+    ASSERT_EQ(told.cycle.size(), 2 * last);
+}
+
+} // namespace
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfAChain)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainDeepest);
+}
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfAChainThatNothingNeeds)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfACycle)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainCycle);
+}
+
+TEST(ExplainGrowth, IsLinearInTheWidthOfAFan)
+{
+    expectLinearUpTo<LargeFan>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInThePortsOfAGroup)
+{
+    expectLinearUpTo<LargeGroup>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInTheDepthOfGroups)
+{
+    expectLinearUpTo<LargeNest>(20000, &explainDeepest);
+}
+
+TEST(ExplainGrowth, IsLinearInTheDepthOfGroupsThatNothingNeeds)
+{
+    expectLinearUpTo<LargeNest>(20000, &explainUnneeded);
 }
