@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/StandInPass.h>
 
 #include "LookUp.h"
 
@@ -48,7 +49,9 @@ QVector<PortRecord> outputsOf(const Graph& graph, int node)
 void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
 {
     record.pass = true;
-    if (typeOf)
+    if (const auto* standIn = dynamic_cast<const StandInPass*>(&pass))
+        record.type = standIn->type();
+    else if (typeOf)
         record.type = typeOf(pass);
     const int numInputs = pass.numInputs();
     int index = 0;
