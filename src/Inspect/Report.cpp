@@ -226,7 +226,7 @@ private:
     const Paths paths;
     const Schedule schedule;
     QVector<bool> hasFailed;
-    QVector<TraceEvent> frames; // whole ones, in their order
+    QVector<TraceEvent> wholeFrames; // in their order
     QVector<TraceEvent> events;
     TraceSummary frameTimes;
     QVector<TraceSummary> passTimes;
@@ -253,8 +253,10 @@ Page::Page(const ReportContent& shown)
     passTimes = content.trace->passes();
     for (const TraceEvent& event : qAsConst(events)) {
         if (event.kind == TraceEvent::Frame)
-            frames.append(event);
+            wholeFrames.append(event);
     }
+    // The last one may not have been recorded to its end.
+    wholeFrames.resize(qMin(wholeFrames.size(), frameTimes.count));
     for (int i = 0; i < passTimes.size(); ++i) {
         // A pass that was made anew goes by the same name.
         if (passTimes.at(i).count == 0)
@@ -307,7 +309,7 @@ void Page::writeHead()
     writeFacts();
     out += "<nav aria-label=\"Sections\"><ul><li><a href=\"#picture\">Picture</a></li>"
            "<li><a href=\"#passes\">Passes</a></li>";
-    if (!frames.isEmpty()) {
+    if (!wholeFrames.isEmpty()) {
         out += "<li><a href=\"#times\">Frame times</a></li>"
                "<li><a href=\"#timelines\">Timelines</a></li>";
     }
@@ -574,12 +576,17 @@ void Page::writeHistogram(const QVector<qint64>& times)
 void Page::writeFrameTimes()
 {
     QVector<qint64> times;
-    times.reserve(frames.size());
-    for (const TraceEvent& frame : qAsConst(frames))
+    times.reserve(wholeFrames.size());
+    for (const TraceEvent& frame : qAsConst(wholeFrames))
         times.append(qMax<qint64>(0, frame.endNs - frame.beginNs));
     std::sort(times.begin(), times.end());
     out += "<section aria-labelledby=\"times\">\n<h2 id=\"times\">Frame times</h2>\n";
     writeHistogram(times);
+    if (content.trace->numDropped() > 0) {
+        out += "<p class=\"soft\">The trace was full before the end: "
+            + count(content.trace->numDropped())
+            + " events and the frames that they belong to are missing.</p>\n";
+    }
     out += "</section>\n";
 }
 
@@ -632,14 +639,19 @@ void Page::writeTimeline(const TraceEvent& frame, const QByteArray& id, const QB
 {
     QVector<Bar> bars;
     QHash<int, int> barOf; // by pass
-    for (const TraceEvent& event : eventsOfFrame) {
+    for (TraceEvent event : eventsOfFrame) {
         auto index = barOf.find(event.pass);
         if (index == barOf.end()) {
             index = barOf.insert(event.pass, bars.size());
             bars.append({event.pass, event.beginNs, event.endNs, 0, 0, 0, {}});
         }
         Bar& bar = bars[*index];
-        bar.end = qMax(bar.end, event.endNs);
+        // A call within a call has been counted.
+        if (!bar.events.isEmpty())
+            event.beginNs = qMax(event.beginNs, bar.end);
+        if (event.endNs < event.beginNs)
+            continue;
+        bar.end = event.endNs;
         (event.kind == TraceEvent::Wait ? bar.waited : bar.called) += event.endNs - event.beginNs;
         bar.errorCode = qMax(bar.errorCode, event.errorCode);
         bar.events.append(event);
@@ -685,14 +697,14 @@ void Page::writeTimeline(const TraceEvent& frame, const QByteArray& id, const QB
 void Page::writeTimelines()
 {
     const auto time = [](const TraceEvent& frame) { return frame.endNs - frame.beginNs; };
-    QVector<TraceEvent> byTime = frames;
+    QVector<TraceEvent> byTime = wholeFrames;
     std::stable_sort(byTime.begin(), byTime.end(),
                      [&](const TraceEvent& a, const TraceEvent& b) { return time(a) < time(b); });
     const TraceEvent middle = byTime.at((byTime.size() - 1) / 2);
     const TraceEvent longest = byTime.last();
     QVector<TraceEvent> ofMiddle, ofLongest;
     for (const TraceEvent& event : qAsConst(events)) {
-        if (event.kind == TraceEvent::Frame || event.pass < 0)
+        if (event.kind == TraceEvent::Frame || event.kind >= TraceEvent::IsFinished)
             continue;
         if (event.frame == middle.frame)
             ofMiddle.append(event);
@@ -722,7 +734,7 @@ QByteArray Page::write()
     writeHead();
     writePicture();
     writePasses();
-    if (!frames.isEmpty()) {
+    if (!wholeFrames.isEmpty()) {
         writeFrameTimes();
         writeTimelines();
     } else if (content.trace) {
