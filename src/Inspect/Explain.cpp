@@ -637,10 +637,14 @@ QString Explainer::Impl::verdict(const EdgeExplanation& explanation) const
     case EdgeExplanation::Cycle:
         return refused + latin1("it would close a cycle:\n") + listed(explanation.cycle);
     case EdgeExplanation::NotRelated:
-        if (!explanation.from.isOutput && explanation.to.isOutput)
-            return refused + latin1("no edge leads from an input to an output.\n");
-        return (explanation.made ? latin1(" is accepted but carries nothing: ") : refused)
-            + latin1("the nodes are neither siblings nor a group and its child.\n");
+        if (explanation.made)
+            return latin1(
+                " is accepted but does not carry that output: the nodes are no siblings.\n");
+        if (!explanation.to.isOutput)
+            return refused + latin1("an input feeds another only from a group to its child.\n");
+        if (explanation.from.isOutput)
+            return refused + latin1("an output feeds another only from a child to its group.\n");
+        return refused + latin1("no edge leads from an input to an output.\n");
     }
     return latin1(" is accepted.\n");
 }
