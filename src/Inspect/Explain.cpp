@@ -214,10 +214,10 @@ struct Explainer::Impl
 
     QVector<PortRef> pathTo(int node, int& output) const;
     QVector<PortRef> cycleOf(const PortRef& from, const PortRef& to) const;
-    PortRef sourceOf(int edge) const;
-    PortRef destinationOf(int edge) const;
+    PortRef sourceOf(int ref) const;
+    PortRef destinationOf(int ref) const;
 
-    QString nameOf(int node) const;
+    QString nameOf(int ref) const;
     QString nameOf(const PortRef& port) const;
     QString listed(const QVector<PortRef>& ports) const;
     QString hint(const NodeExplanation& explanation) const;
