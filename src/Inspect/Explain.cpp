@@ -313,7 +313,7 @@ InputExplanation Explainer::input(int node, int index) const
 
     PortRef& end = explanation.end;
     climb(snapshot, end, explanation.path);
-    if (end.node == kRoot && (node == kRoot || explanation.path.size() > 1)) {
+    if (end.node == kRoot) {
         explanation.source = InputExplanation::Parameter;
         explanation.parameter = end.index;
         explanation.value = lookUp(snapshot.parameters, end.index);
