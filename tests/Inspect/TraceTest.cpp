@@ -6,6 +6,8 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/RenderPassHelper.h>
 
+#include "Scale/Limits.h"
+#include "support/Growth.h"
 #include "support/LightPass.h"
 #include "support/RecordingPass.h"
 
@@ -28,6 +30,61 @@
 
 using namespace Kestrin::Orv;
 using namespace Kestrin::Orv::Inspect;
+
+#ifndef ORV_SANITIZED
+
+namespace {
+
+long numAllocations = 0;
+
+} // namespace
+
+// The sanitizers replace it themselves.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+
+void* malloc(std::size_t size) noexcept
+{
+    ++numAllocations;
+    return __libc_malloc(size);
+}
+}
+
+TEST(TraceRecording, AllocatesNothing)
+{
+    long counts[2] = {0, 0};
+    for (const bool traced : {false, true}) {
+        Trace trace;
+        trace.setDetail(Trace::EveryCall);
+        Renderer renderer;
+        for (int i = 0; i < 10; ++i) {
+            RenderPass* pass = new LightPass(1, 1);
+            if (traced)
+                pass = new TracedPass(trace, QStringLiteral("A"), pass);
+            const int node = renderer.addPass(QString(), pass, 0);
+            if (i > 0)
+                renderer.getGraph()->addEdge(node - 1, 0, node, 0);
+            renderer.setTarget(node);
+        }
+        renderer.setup(nullptr);
+        renderer.render(nullptr);
+        const long before = numAllocations;
+        for (int i = 0; i < 1000; ++i) {
+            trace.beginFrame();
+            renderer.render(nullptr);
+            trace.endFrame();
+        }
+        counts[traced] = numAllocations - before;
+        EXPECT_EQ(renderer.getNumPasses(), 10);
+        EXPECT_EQ(trace.numDropped(), 0);
+    }
+    EXPECT_EQ(counts[true], counts[false]);
+    const long before = numAllocations;
+    QString(100, QLatin1Char(' '));
+    EXPECT_EQ(numAllocations, before + 1);
+}
+
+#endif
 
 namespace {
 
@@ -808,6 +865,63 @@ TEST(TraceRecording, ClearDuringACallForgetsTheCall)
     EXPECT_EQ(s.events(), "");
 }
 
+TEST(TraceRecording, CallThatWasForgottenEndsNoOther)
+{
+    TimedScene s;
+    const int a = s.onePass();
+    const int b = s.pass("B", 0, 0);
+    const auto plain = s.at(a).onCall;
+    s.at(a).onCall = [&](const std::string& operation) {
+        if (operation == "start") {
+            s.trace.clear();
+            s.scene.renderer.renderPass(b)->setup(nullptr);
+        }
+        plain(operation);
+    };
+    s.scene.renderer.renderPass(a)->start(nullptr);
+    EXPECT_EQ(s.events(), "B.setup 0-10");
+    s.trace.beginFrame();
+    EXPECT_EQ(s.trace.frames().count, 0);
+}
+
+TEST(TraceRecording, FramesBeforeClearingDoNotCountLaterOnes)
+{
+    TimedScene s;
+    s.onePass();
+    s.frame();
+    s.frame();
+    s.trace.clear();
+    s.trace.beginFrame();
+    s.scene.render();
+    EXPECT_EQ(s.trace.frames().count, 0);
+    EXPECT_EQ(s.trace.passes().first().count, 0);
+}
+
+TEST(TraceRecording, SecondYesIsNoWait)
+{
+    TimedScene s;
+    const int node = s.onePass();
+    s.at(node).unfinishedPolls = 1;
+    RenderPass& pass = *s.scene.renderer.renderPass(node);
+    pass.start(nullptr);
+    EXPECT_FALSE(pass.isFinished());
+    EXPECT_TRUE(pass.isFinished());
+    EXPECT_TRUE(pass.isFinished());
+    EXPECT_EQ(s.events(), "A.start 0-10 A.wait 10-12");
+}
+
+TEST(TraceRecording, ErrorCodeOfTheNextFrameIsNotThatOfTheLast)
+{
+    TimedScene s;
+    const int node = s.onePass();
+    RenderPass& pass = *s.scene.renderer.renderPass(node);
+    pass.endFrame(nullptr);
+    pass.beginFrame(nullptr);
+    s.at(node).error = 5;
+    EXPECT_EQ(pass.errorCode(), 5u);
+    EXPECT_EQ(s.trace.events().first().errorCode, 0u);
+}
+
 TEST(TraceRecording, RecordingStopsWhenTheRoomIsFull)
 {
     TimedScene s(6);
@@ -856,17 +970,27 @@ TEST(TraceRecording, ClockThatRunsBackwardsStandsStill)
     const auto pass = makePass(t.trace, "A");
     t.time = 1010;
     t.trace.beginFrame();
+    t.time = 1005;
+    pass->start(nullptr);
     t.time = std::numeric_limits<qint64>::min();
     pass->start(nullptr);
     t.time = 1020;
     t.trace.endFrame();
-    EXPECT_EQ(t.trace.events().first().beginNs, 10);
-    qint64 last = 0;
-    for (const TraceEvent& event : t.trace.events()) {
-        EXPECT_GE(event.beginNs, last);
-        EXPECT_GE(event.endNs, event.beginNs);
-        last = event.beginNs;
-    }
+    EXPECT_EQ(t.events(), "frame@0 10-20 A.start@0 10-10 A.start@0 10-10");
+}
+
+TEST(TraceRecording, ClockMayBeginAnywhere)
+{
+    const qint64 min = std::numeric_limits<qint64>::min();
+    qint64 time = min;
+    Trace trace(10, [&time] { return time; });
+    time = min + 5;
+    trace.beginFrame();
+    time = std::numeric_limits<qint64>::max(); // more than fits
+    trace.endFrame();
+    ASSERT_EQ(trace.numEvents(), 1);
+    EXPECT_EQ(trace.events().first().beginNs, 5);
+    EXPECT_EQ(trace.events().first().endNs, 5);
 }
 
 TEST(TraceRecording, SteadyClockIsUsedUnlessToldOtherwise)
@@ -886,20 +1010,19 @@ TEST(TraceRecording, SteadyClockIsUsedUnlessToldOtherwise)
 TEST(TraceRecording, PassesOutliveTheirTrace)
 {
     CallLog log;
-    int questions = 0;
-    auto trace = std::make_unique<Trace>(100, [&questions] { return ++questions; });
+    const auto questions = std::make_shared<int>(0);
+    auto trace = std::make_unique<Trace>(100, [questions] { return ++*questions; });
     auto pass = std::make_unique<TracedPass>(*trace, QStringLiteral("A"),
                                              new RecordingPass(log, "A", 0, 0));
     pass->start(nullptr);
     trace.reset();
-    questions = 0;
+    EXPECT_EQ(questions.use_count(), 1);
     pass->isFinished();
     pass->endFrame(nullptr);
     EXPECT_EQ(pass->errorCode(), 0u);
     pass->setName(QStringLiteral("B"));
     pass.reset();
     EXPECT_EQ(log.take(), "A.start(0) A.isFinished A.endFrame(0) A.errorCode A.delete");
-    EXPECT_EQ(questions, 0);
 }
 
 TEST(TraceRecording, TraceMayGoDuringACall)
@@ -1284,4 +1407,60 @@ TEST(TraceFile, LargeTraceIsWrittenInPieces)
     EXPECT_TRUE(trace.writeTraceEvents(sink));
     EXPECT_GT(sink.total, 5000000);
     EXPECT_LT(sink.largest, 100000);
+}
+
+TEST(TraceFile, PiecesAfterOneThatWasNotTakenAreNotWritten)
+{
+    struct Full : QIODevice
+    {
+        qint64 readData(char*, qint64) override { return -1; }
+        qint64 writeData(const char*, qint64) override { return ++calls == 1 ? -1 : 0; }
+        int calls = 0;
+    };
+    Trace trace(10000);
+    const auto pass = makePass(trace, "A");
+    for (int i = 0; i < 10000; ++i)
+        pass->start(nullptr);
+    Full full;
+    full.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    EXPECT_FALSE(trace.writeTraceEvents(full));
+    EXPECT_EQ(full.calls, 1);
+}
+
+namespace {
+
+/// So many passes in one frame.
+struct WideFrame
+{
+    explicit WideFrame(int size)
+    {
+        for (int i = 0; i < size; ++i)
+            passes.push_back(
+                std::make_unique<TracedPass>(trace, QStringLiteral("A"), new LightPass(0, 0)));
+        trace.beginFrame();
+        for (const auto& pass : passes) {
+            pass->start(nullptr);
+            pass->isFinished();
+        }
+        trace.endFrame();
+    }
+
+    Trace trace;
+    std::vector<std::unique_ptr<TracedPass>> passes;
+};
+
+} // namespace
+
+TEST(TraceScale, SummariesGrowWithTheEvents)
+{
+    expectLinear<WideFrame>(100000, [](WideFrame& frame) {
+        const QVector<TraceSummary> passes = frame.trace.passes();
+        EXPECT_EQ(passes.last().count, 1);
+    });
+}
+
+TEST(TraceScale, FileGrowsWithTheEvents)
+{
+    expectLinear<WideFrame>(
+        100000, [](WideFrame& frame) { EXPECT_GT(frame.trace.toTraceEvents().size(), 3000000); });
 }
