@@ -84,6 +84,8 @@ QString shortest(Number number, int maxDigits)
 {
     if (std::isnan(number))
         return QStringLiteral("nan");
+    if (number == 0)
+        return std::signbit(number) ? QStringLiteral("-0") : QStringLiteral("0");
     for (int digits = 1; digits < maxDigits; ++digits) {
         const QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (static_cast<Number>(text.toDouble()) == number)
@@ -110,7 +112,8 @@ QString plainText(const QVariant& value)
     if (value.canConvert(QMetaType::QString) && value.userType() != QMetaType::QByteArray)
         return QString::fromUtf8(compactJson(value.toString()));
     const int numShown = 64;
-    const QByteArray bytes = bytesOf(value);
+    const QByteArray bytes =
+        value.userType() == QMetaType::QByteArray ? value.toByteArray() : bytesOf(value);
     return QString::fromLatin1(bytes.left(numShown).toHex())
         + QLatin1String(bytes.size() > numShown ? "..." : "");
 }
@@ -420,12 +423,14 @@ private:
         }
     }
 
-    /// Renamed children: of those alike, the ones whose connections agree most.
+    /// Renamed children: of those alike, the ones whose connections and children agree most.
     void matchByVotes(const Pair& parents)
     {
         // What each output fed, for the older nodes that are left.
         using Feed = QPair<QPair<int, int>, QPair<int, int>>; // node and port, direction and input
         QHash<Feed, Table<int>> readers;
+        using Look = QPair<QString, int>; // name and shape
+        QHash<Look, Table<int>> holders;  // of children that look so
         bool hasOlder = false;
         for (const int child : childrenOf(before, parents.older)) {
             if (before.isMatched(child))
@@ -436,6 +441,8 @@ private:
                 if (source.node >= 0 && before.isMatched(source.node))
                     readers[{{source.node, source.index}, {source.isOutput, i}}].push_back(child);
             }
+            for (const int inner : childrenOf(before, child))
+                holders[{before.node(inner).name, at(shapesBefore, inner)}].push_back(child);
         }
         if (!hasOlder)
             return;
@@ -446,7 +453,7 @@ private:
             int votes;
         };
         Table<Candidate> candidates;
-        const std::size_t manyReaders = 8;
+        const std::size_t tooMany = 8; // tell too little to be worth the time
         for (const int child : childrenOf(after, parents.newer)) {
             if (after.isMatched(child))
                 continue;
@@ -464,7 +471,7 @@ private:
                     continue;
                 const auto found =
                     readers.constFind({{source.node, source.index}, {source.isOutput, i}});
-                if (found != readers.constEnd() && found->size() <= manyReaders)
+                if (found != readers.constEnd() && found->size() <= tooMany)
                     std::for_each(found->begin(), found->end(), vote);
             }
             for (int i = 0; i < after.node(child).outputs.size(); ++i) {
@@ -474,6 +481,12 @@ private:
                     if (source.node >= 0 && source.isOutput && source.index == i)
                         vote(source.node);
                 }
+            }
+            for (const int inner : childrenOf(after, child)) {
+                const auto found =
+                    holders.constFind({after.node(inner).name, at(shapesAfter, inner)});
+                if (found != holders.constEnd() && found->size() <= tooMany)
+                    std::for_each(found->begin(), found->end(), vote);
             }
             for (const int older : voted)
                 candidates.push_back({{older, child}, votes.value(older)});
@@ -695,6 +708,11 @@ private:
         changes.append({QLatin1String(code), path, was, is});
     }
 
+    void addNode(const char* code, int newer, const QString& was, const QString& is)
+    {
+        add(code, after.paths.node(newer), was, is);
+    }
+
     static QString kindText(const NodeRecord& node)
     {
         if (!node.pass)
@@ -721,21 +739,21 @@ private:
     {
         const NodeRecord& was = before.node(older);
         const NodeRecord& is = after.node(newer);
-        const QString path = after.paths.node(newer);
         if (newer != 0) {
             if (at(before.matches, was.parent) != is.parent)
-                add("node-moved", path, before.paths.node(older), path);
+                addNode("node-moved", newer, before.paths.node(older), after.paths.node(newer));
             if (was.name != is.name)
-                add("node-renamed", path, nameText(was.name), nameText(is.name));
+                addNode("node-renamed", newer, nameText(was.name), nameText(is.name));
         }
         if (was.type != is.type)
-            add("type-changed", path, oneLine(was.type), oneLine(is.type));
+            addNode("type-changed", newer, oneLine(was.type), oneLine(is.type));
         if (is.pass && was.enabled != is.enabled)
-            add("enabled-changed", path, enabledText(was), enabledText(is));
+            addNode("enabled-changed", newer, enabledText(was), enabledText(is));
         if (!is.pass && was.value != is.value)
-            add("node-value-changed", path, QString::number(was.value), QString::number(is.value));
+            addNode("node-value-changed", newer, QString::number(was.value),
+                    QString::number(is.value));
         if (was.groups != is.groups)
-            add("port-groups-changed", path, namesText(was.groups), namesText(is.groups));
+            addNode("port-groups-changed", newer, namesText(was.groups), namesText(is.groups));
         comparePorts(older, newer, false);
         comparePorts(older, newer, true);
     }
@@ -804,7 +822,7 @@ private:
             QVector<QString> was;
             for (const int index : order)
                 was.append(olderPorts.at(index).name);
-            add(codes.reordered, after.paths.node(newer), namesText(was), namesText(is));
+            addNode(codes.reordered, newer, namesText(was), namesText(is));
         }
     }
 
