@@ -335,13 +335,23 @@ private:
 
     void matchPorts(int older, int newer, bool isOutput)
     {
+        const QVector<PortRecord>& olderPorts = before.portsOf(older, isOutput);
+        const QVector<PortRecord>& newerPorts = after.portsOf(newer, isOutput);
+        const auto isNamedAlike = [](const PortRecord& a, const PortRecord& b) {
+            return a.name == b.name;
+        };
+        if (olderPorts.size() == newerPorts.size()
+            && std::equal(olderPorts.begin(), olderPorts.end(), newerPorts.begin(), isNamedAlike)) {
+            for (int i = 0; i < newerPorts.size(); ++i)
+                setPortMatch({older, i, isOutput}, {newer, i, isOutput});
+            return;
+        }
+
         QHash<Ordinal, int> byName;
         Ordinals ordinals;
-        const QVector<PortRecord>& olderPorts = before.portsOf(older, isOutput);
         for (int i = 0; i < olderPorts.size(); ++i)
             byName.insert(ordinals.next(olderPorts.at(i).name), i);
         Ordinals newerOrdinals;
-        const QVector<PortRecord>& newerPorts = after.portsOf(newer, isOutput);
         for (int i = 0; i < newerPorts.size(); ++i) {
             const auto port = byName.constFind(newerOrdinals.next(newerPorts.at(i).name));
             if (port != byName.constEnd())
