@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/StandInPass.h>
 
 #include "LookUp.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
@@ -48,8 +50,11 @@ QVector<PortRecord> outputsOf(const Graph& graph, int node)
 void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
 {
     record.pass = true;
-    if (typeOf)
-        record.type = typeOf(pass);
+    const RenderPass* innermost = TracedPass::innermost(&pass);
+    if (const auto* standIn = dynamic_cast<const StandInPass*>(innermost))
+        record.type = standIn->type();
+    else if (typeOf)
+        record.type = typeOf(*innermost);
     const int numInputs = pass.numInputs();
     int index = 0;
     for (PortRecord& input : record.inputs) {
