@@ -216,6 +216,14 @@ TEST(DiffNodes, TheTargetIsComparedByNode)
               "target-changed: nothing -> [root]\nnode-renamed G/Z: B -> Z\n");
 }
 
+TEST(DiffNodes, TheRootMayHaveAName)
+{
+    Host host;
+    const Snapshot before = host.snapshot();
+    host.graph.setNodeName(0, QStringLiteral("Deferred"));
+    EXPECT_EQ(compared(before, host.snapshot()), "node-renamed: [unnamed] -> Deferred\n");
+}
+
 // Ports
 
 TEST(DiffPorts, AddedAndRemovedPortsAreReported)
@@ -700,4 +708,23 @@ TEST(DiffSize, AGroupWithAHundredThousandPortsAllRenamed)
     for (PortRecord& input : after.nodes[g].inputs)
         input.name += QLatin1Char('x');
     EXPECT_EQ(numChangesInTime(snapshot, after), count);
+}
+
+// Documentation
+
+TEST(DiffCodes, AreThoseThatAreDocumented)
+{
+    QFile file(QStringLiteral(ORV_SOURCE_DIR "/docs/diff.md"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(file.readAll());
+    std::string documented;
+    const QRegularExpression row(QStringLiteral("^\\| `([a-z-]+)` "),
+                                 QRegularExpression::MultilineOption);
+    for (auto match = row.globalMatch(text); match.hasNext();)
+        documented += match.next().captured(1).toStdString() + "\n";
+    std::string known;
+    const QVector<QString> codes = diffCodes();
+    for (const QString& code : codes)
+        known += code.toStdString() + "\n";
+    EXPECT_EQ(documented, known);
 }
