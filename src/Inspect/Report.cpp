@@ -546,7 +546,7 @@ Bins::Bins(const QVector<qint64>& sorted)
     hasRest = longest > to + (to - at(0));
     if (!hasRest)
         to = longest;
-    step = roundedUp(qMax((to - at(0)) / most, qMax(to / 1000, 1.0)));
+    step = roundedUp(qMax((to - at(0)) / most, qMax(to / 100, 1.0)));
     from = std::floor(at(0) / step) * step;
     counts.resize(static_cast<int>((to - from) / step) + 1 + hasRest);
     for (const qint64 time : sorted) {
