@@ -45,8 +45,26 @@ QJsonObject toJson(const Finding& finding, const Document& document, const Paths
             {QStringLiteral("text"), finding.text},   {QStringLiteral("path"), path}};
 }
 
+void writeCodes(const Arguments& arguments, Output& output)
+{
+    const QVector<Inspect::LintCode> codes = Inspect::lintCodes();
+    QJsonArray all;
+    for (const Inspect::LintCode& code : codes) {
+        all.append(QJsonObject{{QStringLiteral("code"), code.code},
+                               {QStringLiteral("meaning"), code.meaning}});
+        if (!arguments.json())
+            output.write(code.code + QLatin1String(": ") + code.meaning + QLatin1Char('\n'));
+    }
+    if (arguments.json())
+        output.write(QJsonObject{{QStringLiteral("codes"), all}});
+}
+
 int run(const Arguments& arguments, Output& output)
 {
+    if (arguments.has("codes")) {
+        writeCodes(arguments, output);
+        return kFine;
+    }
     const Document document = readInput(arguments.plain(0));
     const QVector<Finding> findings = Inspect::lint(document.snapshot);
     if (arguments.json()) {
