@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/StandInPass.h>
 
 #include "LookUp.h"
 
@@ -49,8 +50,11 @@ QVector<PortRecord> outputsOf(const Graph& graph, int node)
 void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
 {
     record.pass = true;
-    if (typeOf)
-        record.type = typeOf(*TracedPass::innermost(&pass));
+    const RenderPass& innermost = *TracedPass::innermost(&pass);
+    if (const auto* standIn = dynamic_cast<const StandInPass*>(&innermost))
+        record.type = standIn->type();
+    else if (typeOf)
+        record.type = typeOf(innermost);
     const int numInputs = pass.numInputs();
     int index = 0;
     for (PortRecord& input : record.inputs) {

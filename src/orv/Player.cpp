@@ -116,13 +116,16 @@ Player::Player(const Arguments& arguments, const Document& document, Inspect::Tr
     readOptions(arguments, document);
 
     const Paths paths(played);
-    const auto makePass = [this, &paths](const NodeRecord& record) -> RenderPass* {
-        // The record is one of the snapshot's own.
-        const int node = static_cast<int>(&record - played.nodes.constData());
+    // Documents are built node by node in the order of the table.
+    int node = 0;
+    const auto makePass = [this, &paths, &node](const NodeRecord& record) -> RenderPass* {
+        do
+            ++node;
+        while (!played.node(node).pass);
         auto* pass = new PlayedPass(*this, node, record, behaviours.value(node));
-        return trace
-            ? static_cast<RenderPass*>(new Inspect::TracedPass(*trace, paths.node(node), pass))
-            : pass;
+        if (!trace)
+            return pass;
+        return new Inspect::TracedPass(*trace, paths.node(node), pass);
     };
     Inspect::PassFactory factory;
     factory.setFallback(makePass);
