@@ -1,27 +1,10 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# Installs the library, its headers, a CMake package and a pkg-config file, as two components.
+# Installs the libraries, their headers, a CMake package and a pkg-config file each, as components:
+# what programs run with and what they are built with.
 
 include(CMakePackageConfigHelpers)
-
-set(ORV_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/OrvCore)
-
-install(TARGETS OrvCore EXPORT OrvCoreTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/Kestrin
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-
-install(EXPORT OrvCoreTargets NAMESPACE Orv::
-  DESTINATION ${ORV_CMAKE_DIR} COMPONENT development)
-configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/OrvCoreConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/OrvCoreConfig.cmake INSTALL_DESTINATION ${ORV_CMAKE_DIR})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/OrvCoreConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES
-    ${PROJECT_BINARY_DIR}/OrvCoreConfig.cmake ${PROJECT_BINARY_DIR}/OrvCoreConfigVersion.cmake
-  DESTINATION ${ORV_CMAKE_DIR} COMPONENT development)
 
 # The prefix is worked out from where the file lies, so the installed tree can be moved.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
@@ -40,6 +23,38 @@ endif()
 if(NOT BUILD_SHARED_LIBS)
   set(PC_CFLAGS " -DORV_CORE_STATIC")
 endif()
-configure_file(${PROJECT_SOURCE_DIR}/cmake/orv-core.pc.in ${PROJECT_BINARY_DIR}/orv-core.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/orv-core.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+# A library, the pkg-config file that describes it, and the two components.
+function(orv_install_library library pkgConfigName runtime development)
+  set(cmakeDir ${CMAKE_INSTALL_LIBDIR}/cmake/${library})
+  set(generated ${PROJECT_BINARY_DIR}/${library})
+
+  install(TARGETS ${library} EXPORT ${library}Targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+      COMPONENT ${runtime} NAMELINK_COMPONENT ${development}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${development})
+  install(EXPORT ${library}Targets NAMESPACE Orv::
+    DESTINATION ${cmakeDir} COMPONENT ${development})
+
+  configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/${library}Config.cmake.in
+    ${generated}Config.cmake INSTALL_DESTINATION ${cmakeDir})
+  write_basic_package_version_file(${generated}ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+  install(FILES ${generated}Config.cmake ${generated}ConfigVersion.cmake
+    DESTINATION ${cmakeDir} COMPONENT ${development})
+
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${pkgConfigName}.pc.in
+    ${PROJECT_BINARY_DIR}/${pkgConfigName}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${pkgConfigName}.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${development})
+endfunction()
+
+orv_install_library(OrvCore orv-core runtime development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/Kestrin
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+  PATTERN Inspect EXCLUDE)
+
+if(TARGET OrvInspect)
+  orv_install_library(OrvInspect orv-inspect inspectRuntime inspectDevelopment)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/Kestrin/Orv/Inspect
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Kestrin/Orv COMPONENT inspectDevelopment)
+endif()

@@ -3,10 +3,10 @@
 
 # Run by CPack over the staged files: adds what only a Debian package carries.
 set(here ${CMAKE_CURRENT_LIST_DIR})
-foreach(component RUNTIME DEVELOPMENT)
-  set(package ${CPACK_DEBIAN_${component}_PACKAGE_NAME})
-  string(TOLOWER ${component} stage)
-  set(share ${CPACK_TEMPORARY_DIRECTORY}/${stage}/usr/share)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER ${component} upper)
+  set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
+  set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr/share)
 
   configure_file(${here}/copyright ${share}/doc/${package}/copyright COPYONLY)
   execute_process(COMMAND gzip -9cn ${here}/changelog
