@@ -812,12 +812,11 @@ private:
     static QString portText(const Side& side, const PortRef& port)
     {
         const PortRef feeder = side.feeder(port);
-        QString text = port.isOutput || port.node == 0 ? QString() : QStringLiteral("unfed");
         if (port.node == 0 && !port.isOutput)
-            text = valueText(side.snapshot.parameters.value(port.index));
-        else if (feeder.node >= 0)
-            text = QLatin1String("fed by ") + side.paths.port(feeder);
-        return text;
+            return valueText(side.snapshot.parameters.value(port.index));
+        if (feeder.node >= 0)
+            return QLatin1String("fed by ") + side.paths.port(feeder);
+        return QStringLiteral("unfed");
     }
 
     void comparePort(const PortRef& older, const PortRef& newer)
