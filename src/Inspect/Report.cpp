@@ -221,6 +221,7 @@ private:
     void writeHead();
     void writeFacts();
     void writePicture();
+    void writeLegend();
     void writePasses();
     void writePass(int ref);
     void writeUnknownPass(const TraceSummary& times);
@@ -413,7 +414,13 @@ void Page::writePicture()
                "<div class=\"scroll\" tabindex=\"0\" role=\"region\" "
                "aria-label=\"Picture of the graph, scrollable\">\n"
             + drawn + "</div>\n</div>\n";
+        writeLegend();
     }
+    out += "</section>\n";
+}
+
+void Page::writeLegend()
+{
     const auto sample = [this](const char* name, const char* style) {
         out += QByteArray("<li><svg width=\"34\" height=\"12\" aria-hidden=\"true\">"
                           "<path d=\"M1 6H33\" fill=\"none\" stroke=\"currentColor\" ")
@@ -423,8 +430,7 @@ void Page::writePicture()
     sample("between siblings", "stroke-width=\"1.5\"");
     sample("into a group", "stroke-width=\"1.5\" stroke-dasharray=\"5 3\"");
     sample("out of a group", "stroke-width=\"2\" stroke-dasharray=\"1 4\"");
-    out +=
-        "<li>The number of a pass is its place in the order of execution.</li></ul>\n</section>\n";
+    out += "<li>The number of a pass is its place in the order of execution.</li></ul>\n";
 }
 
 void Page::writeTimes(const TraceSummary* times)
@@ -540,7 +546,7 @@ Bins::Bins(const QVector<qint64>& sorted)
     hasRest = longest > to + (to - at(0));
     if (!hasRest)
         to = longest;
-    step = roundedUp(qMax((to - at(0)) / most, qMax(to / 1000, 1.0)));
+    step = roundedUp(qMax((to - at(0)) / most, qMax(to / 100, 1.0)));
     from = std::floor(at(0) / step) * step;
     counts.resize(static_cast<int>((to - from) / step) + 1 + hasRest);
     for (const qint64 time : sorted) {
@@ -555,8 +561,8 @@ void Page::writeHistogram(const QVector<qint64>& times)
     const int most = *std::max_element(bins.counts.begin(), bins.counts.end());
     const double numBins = bins.counts.size();
     const int top = 34, bottom = 204;
-    const double gridStep = qMax(1.0, roundedUp(most / 4.0));
-    const auto y = [=](double frames) { return number(bottom - (bottom - top) * frames / most); };
+    const int gridStep = qMax(1, static_cast<int>(roundedUp(most / 4.0)));
+    const auto y = [=](double frames) { return bottom - (bottom - top) * frames / most; };
     const auto range = [&](int bin) {
         const double begin = bins.from + bin * bins.step;
         return bins.hasRest && bin == bins.counts.size() - 1
@@ -569,11 +575,12 @@ void Page::writeHistogram(const QVector<qint64>& times)
         + count(times.size()) + " frame times: median "
         + timeText(static_cast<double>(frameTimes.median)) + ", longest "
         + timeText(static_cast<double>(frameTimes.maximum)) + "\">\n";
-    for (double frames = gridStep; frames <= most; frames += gridStep) {
-        out += "<line class=\"grid\" x1=\"0\" x2=\"100%\" y1=\"" + y(frames) + "\" y2=\""
-            + y(frames) + "\"/><text class=\"quiet\" x=\"0\" y=\""
-            + number(y(frames).toDouble() - 4) + "\">" + number(frames).replace(".000", "")
-            + "</text>\n";
+    for (int frames = gridStep; frames <= most; frames += gridStep) {
+        const bool isHighest = frames + gridStep > most;
+        out += "<line class=\"grid\" x1=\"0\" x2=\"100%\" y1=\"" + number(y(frames)) + "\" y2=\""
+            + number(y(frames)) + "\"/><text class=\"quiet halo\" x=\"0\" y=\""
+            + number(y(frames) - 4) + "\">" + count(frames)
+            + (isHighest ? frames == 1 ? " frame" : " frames" : "") + "</text>\n";
     }
     for (int bin = 0; bin < bins.counts.size(); ++bin) {
         const int frames = bins.counts.at(bin);
@@ -581,9 +588,9 @@ void Page::writeHistogram(const QVector<qint64>& times)
             continue;
         const bool isRest = bins.hasRest && bin == bins.counts.size() - 1;
         out += QByteArray("<rect class=\"bar") + (isRest ? " rest" : "") + "\" x=\""
-            + percent(bin / numBins) + "\" width=\"" + percent(1 / numBins) + "\" y=\"" + y(frames)
-            + "\" height=\"" + number(bottom - y(frames).toDouble()) + "\"><title>" + range(bin)
-            + ": " + count(frames) + "</title></rect>\n";
+            + percent(bin / numBins) + "\" width=\"" + percent(1 / numBins) + "\" y=\""
+            + number(y(frames)) + "\" height=\"" + number(bottom - y(frames)) + "\"><title>"
+            + range(bin) + ": " + count(frames) + "</title></rect>\n";
     }
     const double to = bins.from + numBins * bins.step;
     // Each on its own line; the median's text to the left of its mark, the other's to the right.
@@ -608,7 +615,7 @@ void Page::writeHistogram(const QVector<qint64>& times)
     if (bins.hasRest)
         out += "<text class=\"quiet\" x=\"100%\" y=\"220\" text-anchor=\"end\">longer</text>\n";
     out += "<text class=\"quiet\" x=\"100%\" y=\"240\" text-anchor=\"end\">time of a frame</text>\n"
-           "<text class=\"quiet\" x=\"0\" y=\"12\">frames</text>\n</svg>\n"
+           "</svg>\n"
            "<details><summary>As a table</summary>\n<table>\n<thead><tr><th scope=\"col\">Time</th>"
            "<th scope=\"col\" class=\"n\">Frames</th></tr></thead>\n<tbody>\n";
     for (int bin = 0; bin < bins.counts.size(); ++bin) {
