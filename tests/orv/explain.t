@@ -331,7 +331,7 @@ An edge that is taken, and edges that are refused:
   }
   ? 1
   $ orv explain unwired.json GBuffer.color Bloom/Blur.source
-  An edge from the output GBuffer.color to the input Bloom/Blur.source is accepted but carries nothing: the nodes are neither siblings nor a group and its child.
+  An edge from the output GBuffer.color to the input Bloom/Blur.source is accepted but does not carry that output: the nodes are no siblings.
   ? 1
 
 The ports are meant that go with each other where an input and an output share a path:

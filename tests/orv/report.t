@@ -23,9 +23,9 @@ Passes that have failed are shown:
 
 Without Graphviz, there is a report all the same:
 
-  $ PATH=$BIN orv report -o plain.html scene.json; grep -c '<svg' plain.html
-  5
-  $ orv report -o drawn.html scene.json; grep -c 'digraph' drawn.html
+  $ PATH=$BIN orv report -o plain.html scene.json; grep -c digraph plain.html
+  1
+  $ orv report -o drawn.html scene.json; grep -c digraph drawn.html
   0
   ? 1
 
