@@ -2,3 +2,506 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Picture.h>
+
+#include "LookUp.h"
+#include "Markup.h"
+
+#include <Kestrin/Orv/Inspect/Paths.h>
+#include <Kestrin/Orv/Inspect/Schedule.h>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+namespace {
+
+const int kLongestName = 48;
+const int kLongestValue = 16;
+const int kDeepestIndent = 12; // the text stays linear however deep groups are nested
+
+/// How a node is drawn. The palette tells states apart for the colour-blind; lines and words tell
+/// them apart without colour. Dark pages replace these colours one by one, see Report.cpp.
+struct Look
+{
+    const char* name; // the class of the drawn node
+    const char* fill;
+    const char* line;
+    const char* style;
+};
+
+const Look kScheduled = {"scheduled", "#e8f1fb", "#1f5fa8", "solid"};
+const Look kNotNeeded = {"not-needed", "#f4f4f5", "#5f6673", "dashed"};
+const Look kDisabled = {"disabled", "#fdf3dc", "#7f5200", "dotted"};
+const Look kFailed = {"failed", "#fdeaea", "#b3261e", "bold"};
+const Look kBoundary = {"boundary", "#ffffff", "#64748b", "solid"};
+const Look kRenderer = {"renderer", "#e6f4ee", "#1b6e53", "solid"};
+
+// The attributes of edges: a line style and an arrow head of its own for each kind.
+const char kRegular[] = "class=\"regular\" color=\"#1f2937\"";
+const char kDown[] = "class=\"down\" style=dashed color=\"#1f5fa8\" arrowhead=onormal";
+const char kUp[] = "class=\"up\" style=dotted penwidth=1.8 color=\"#1b6e53\" arrowhead=odiamond";
+const char kDead[] = "class=\"dead\" style=dashed color=\"#8f3a2b\" arrowhead=tee"
+                     " label=\"carries nothing\" fontcolor=\"#8f3a2b\"";
+
+QByteArray number(int value)
+{
+    return QByteArray::number(value);
+}
+
+/// Any text whatever for a label; Graphviz has escapes of its own there, which begin with a backslash.
+QByteArray escapedLabel(const QString& text, int length = kLongestName)
+{
+    return escapedMarkup(shortened(text, length)).replace("\\", "\\\\");
+}
+
+QByteArray label(const QString& name, const QByteArray& ifEmpty)
+{
+    if (name.isEmpty())
+        return "<i>" + ifEmpty + "</i>";
+    const QByteArray text = escapedLabel(name);
+    return name.trimmed().isEmpty() ? "&quot;" + text + "&quot;" : text;
+}
+
+/// A value that is short enough to be shown beside a port; empty for any other.
+QByteArray shortValue(const QVariant& value)
+{
+    switch (value.userType()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return " = " + value.toString().toUtf8();
+    case QMetaType::QString:
+        return " = &quot;" + escapedLabel(value.toString(), kLongestValue) + "&quot;";
+    default:
+        return QByteArray();
+    }
+}
+
+/// The nodes as a tree: each that is not removed exactly once, whatever the snapshot holds.
+class Tree
+{
+public:
+    explicit Tree(const Snapshot& snapshot);
+
+    const QVector<int>& children(int node) const { return lookUp(below, node); }
+    bool isListed(int node) const { return lookUp(listed, node); }
+    /// The nodes that no way leads to from the root, one for each such tree or circle.
+    const QVector<int>& strays() const { return unreachable; }
+
+private:
+    void add(const Snapshot& snapshot, int node);
+
+    QVector<QVector<int>> below;
+    QVector<bool> listed;
+    QVector<int> unreachable;
+};
+
+/// Walks a tree without recursion: it may be as deep as there are nodes.
+template<typename Enter, typename Leave>
+void walk(const Tree& tree, int from, int depth, QVector<bool>& visited, const Enter& enter,
+          const Leave& leave)
+{
+    struct Level
+    {
+        int node;
+        int next;
+    };
+    QVector<Level> stack{{from, 0}};
+    visited[from] = true;
+    enter(from, depth);
+    while (!stack.isEmpty()) {
+        Level& level = stack.last();
+        const QVector<int>& children = tree.children(level.node);
+        if (level.next == children.size()) {
+            leave(level.node, depth + stack.size() - 1);
+            stack.removeLast();
+            continue;
+        }
+        const int child = children.at(level.next++);
+        if (visited.at(child))
+            continue;
+        visited[child] = true;
+        enter(child, depth + stack.size());
+        stack.append({child, 0});
+    }
+}
+
+Tree::Tree(const Snapshot& snapshot)
+    : below(snapshot.nodes.size())
+    , listed(snapshot.nodes.size(), false)
+{
+    const int numNodes = snapshot.nodes.size();
+    for (int parent = 0; parent < numNodes; ++parent) {
+        const NodeRecord& record = snapshot.nodes.at(parent);
+        for (const int child : record.children) {
+            const NodeRecord& node = snapshot.node(child);
+            if (node.removed || node.parent != parent || child == 0 || listed.at(child))
+                continue;
+            listed[child] = true;
+            below[parent].append(child);
+        }
+    }
+    for (int ref = 1; ref < numNodes; ++ref) {
+        const NodeRecord& node = snapshot.nodes.at(ref);
+        if (!node.removed && !listed.at(ref) && node.parent >= 0 && node.parent < numNodes)
+            below[node.parent].append(ref);
+    }
+
+    QVector<bool> visited(numNodes, false);
+    const auto nothing = [](int, int) {};
+    if (numNodes > 0)
+        walk(*this, 0, 0, visited, nothing, nothing);
+    for (int ref = 1; ref < numNodes; ++ref) {
+        const NodeRecord& node = snapshot.nodes.at(ref);
+        // A tree below a removed node is met at its top, a circle anywhere.
+        const NodeRecord& parent = snapshot.node(node.parent);
+        if (node.removed || visited.at(ref) || !parent.removed)
+            continue;
+        unreachable.append(ref);
+        walk(*this, ref, 0, visited, nothing, nothing);
+    }
+    for (int ref = 1; ref < numNodes; ++ref) {
+        if (snapshot.nodes.at(ref).removed || visited.at(ref))
+            continue;
+        unreachable.append(ref);
+        walk(*this, ref, 0, visited, nothing, nothing);
+    }
+}
+
+class Drawing
+{
+public:
+    Drawing(const Snapshot& shown, const QVector<int>& failed);
+
+    QByteArray draw();
+
+private:
+    void enter(int ref, int depth);
+    void leave(int ref, int depth);
+    void drawPass(int ref);
+    void openGroup(int ref, int depth);
+    void drawPorts(int ref, bool areOutputs, const Look& look, const QByteArray& title);
+    void drawSource(const PortRef& to);
+    void drawDeadEdge(int edge);
+    void drawEdge(const PortRef& from, const PortRef& to, const char* attributes);
+
+    bool exists(const PortRef& port) const;
+    bool isGroup(int ref) const;
+    bool takesDefault(int ref, int input) const;
+    const Look& look(int ref) const;
+    QByteArray state(int ref) const;
+    QByteArray heading(int ref) const;
+    QByteArray cell(int ref, int index, bool isOutput, const char* align) const;
+    QByteArray end(const PortRef& port);
+    void indent(int depth);
+
+    const Snapshot& snapshot;
+    const Tree tree;
+    const Schedule schedule;
+    QVector<bool> hasFailed;
+    QVector<bool> drawn;      // by node ref
+    QVector<bool> drawnEdges; // by edge ref: those that carry something
+    int numLooseEnds = 0;
+    QByteArray out;
+};
+
+Drawing::Drawing(const Snapshot& shown, const QVector<int>& failed)
+    : snapshot(shown)
+    , tree(shown)
+    , schedule(predictSchedule(shown))
+    , hasFailed(shown.nodes.size(), false)
+    , drawn(shown.nodes.size(), false)
+    , drawnEdges(shown.edges.size(), false)
+{
+    for (const int ref : failed) {
+        if (ref >= 0 && ref < hasFailed.size())
+            hasFailed[ref] = true;
+    }
+}
+
+void Drawing::indent(int depth)
+{
+    out += QByteArray(2 * qMin(depth, kDeepestIndent), ' ');
+}
+
+bool Drawing::isGroup(int ref) const
+{
+    return !snapshot.node(ref).pass || !tree.children(ref).isEmpty();
+}
+
+/// As the renderer finds an input's value.
+bool Drawing::takesDefault(int ref, int input) const
+{
+    if (snapshot.walkUp(ref, input) && ref == 0)
+        return false;
+    if (!snapshot.walkAcross(ref, input))
+        return true;
+    snapshot.walkDown(ref, input);
+    return !snapshot.isLivePass(ref);
+}
+
+const Look& Drawing::look(int ref) const
+{
+    if (hasFailed.at(ref))
+        return kFailed;
+    if (lookUp(schedule.positions, ref) >= 0 && snapshot.isLivePass(ref))
+        return kScheduled;
+    return snapshot.node(ref).enabled ? kNotNeeded : kDisabled;
+}
+
+QByteArray Drawing::state(int ref) const
+{
+    if (!snapshot.node(ref).pass)
+        return QByteArray();
+    const int position = schedule.positions.value(ref, -1);
+    QByteArray text;
+    if (position >= 0)
+        text = number(position);
+    else
+        text = snapshot.node(ref).enabled ? "not needed" : "disabled";
+    if (hasFailed.at(ref))
+        text += " failed";
+    return text;
+}
+
+/// Name, kind and state, as rows of a table.
+QByteArray Drawing::heading(int ref) const
+{
+    const NodeRecord& node = snapshot.node(ref);
+    const Look& drawnAs = look(ref);
+    QByteArray notes;
+    if (!node.type.isEmpty())
+        notes += escapedLabel(node.type);
+    if (ref == snapshot.target)
+        notes += QByteArray(notes.isEmpty() ? "" : ", ") + "target";
+    if (!tree.isListed(ref))
+        notes += QByteArray(notes.isEmpty() ? "" : ", ") + "unlisted";
+
+    QByteArray text =
+        "<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"3\"><tr>";
+    if (node.pass) {
+        text += QByteArray("<td border=\"1\" style=\"rounded\" cellpadding=\"3\" color=\"")
+            + drawnAs.line + "\" bgcolor=\"" + drawnAs.line
+            + "\"><font color=\"#ffffff\" point-size=\"10\"><b>" + state(ref) + "</b></font></td>";
+    }
+    text += "<td><b>" + label(node.name, "no name") + "</b></td>";
+    if (!notes.isEmpty())
+        text += "<td><font point-size=\"9\" color=\"#4b5563\">" + notes + "</font></td>";
+    // Takes most of the room that broad rows below leave.
+    return text + "<td colspan=\"12\" cellpadding=\"0\"></td></tr></table>";
+}
+
+QByteArray Drawing::cell(int ref, int index, bool isOutput, const char* align) const
+{
+    const PortRecord& port = isOutput ? snapshot.output(ref, index) : snapshot.input(ref, index);
+    QByteArray text = "<td port=\"" + QByteArray(isOutput ? "o" : "i") + number(index)
+        + "\" align=\"" + align + "\">"
+        + label(port.name, (isOutput ? "output " : "input ") + number(index));
+    if (ref == 0 && !isOutput)
+        text += shortValue(lookUp(snapshot.parameters, index));
+    if (!isOutput && snapshot.node(ref).pass && takesDefault(ref, index))
+        text +=
+            " <font color=\"#4b5563\"><i>default" + shortValue(port.defaultValue) + "</i></font>";
+    return text + "</td>";
+}
+
+void Drawing::drawPass(int ref)
+{
+    const NodeRecord& node = snapshot.node(ref);
+    const Look& drawnAs = look(ref);
+    out += "n" + number(ref) + " [class=\"pass " + drawnAs.name + "\" style=\"rounded,filled,"
+        + drawnAs.style + "\" fillcolor=\"" + drawnAs.fill + "\" color=\"" + drawnAs.line
+        + "\" label=<<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"4\">"
+          "<tr><td colspan=\"2\">"
+        + heading(ref) + "</td></tr>";
+    const int numRows = qMax(node.inputs.size(), node.outputs.size());
+    if (numRows > 0)
+        out += "<hr/>";
+    for (int i = 0; i < numRows; ++i) {
+        out += "<tr>";
+        out += i < node.inputs.size() ? cell(ref, i, false, "left") : QByteArray("<td></td>");
+        out += i < node.outputs.size() ? cell(ref, i, true, "right") : QByteArray("<td></td>");
+        out += "</tr>";
+    }
+    out += "</table>>]\n";
+}
+
+/// The inputs or outputs of a group or of the renderer as a node of their own.
+void Drawing::drawPorts(int ref, bool areOutputs, const Look& drawnAs, const QByteArray& title)
+{
+    const int numPorts =
+        areOutputs ? snapshot.node(ref).outputs.size() : snapshot.node(ref).inputs.size();
+    out += "n" + number(ref) + (areOutputs ? "o" : "i") + " [class=\"" + drawnAs.name
+        + "\" style=\"rounded,filled\" fillcolor=\"" + drawnAs.fill + "\" color=\"" + drawnAs.line
+        + "\" label=<<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"4\">";
+    if (!title.isEmpty())
+        out += "<tr><td><b>" + title + "</b></td></tr><hr/>";
+    for (int i = 0; i < numPorts; ++i)
+        out += "<tr>" + cell(ref, i, areOutputs, "center") + "</tr>";
+    out += "</table>>]\n";
+}
+
+void Drawing::openGroup(int ref, int depth)
+{
+    const NodeRecord& node = snapshot.node(ref);
+    const Look& drawnAs = node.pass ? look(ref) : kBoundary;
+    indent(depth);
+    out += "subgraph cluster_n" + number(ref) + " {\n";
+    indent(depth + 1);
+    out += QByteArray("class=\"group\" style=\"rounded,filled,") + drawnAs.style + "\" fillcolor=\""
+        + (depth % 2 == 0 ? "#f8fafc" : "#eef2f7") + "\" color=\"" + drawnAs.line + "\" label=<"
+        + heading(ref) + ">\n";
+    if (!node.inputs.isEmpty()) {
+        indent(depth + 1);
+        drawPorts(ref, false, kBoundary, QByteArray());
+    }
+    if (!node.outputs.isEmpty()) {
+        indent(depth + 1);
+        drawPorts(ref, true, kBoundary, QByteArray());
+    }
+    if (node.inputs.isEmpty() && node.outputs.isEmpty() && tree.children(ref).isEmpty()) {
+        indent(depth + 1);
+        out += "n" + number(ref) + " [class=\"empty\" shape=plaintext label=\"empty\"]\n";
+    }
+}
+
+void Drawing::enter(int ref, int depth)
+{
+    drawn[ref] = true;
+    if (ref != 0) {
+        if (isGroup(ref)) {
+            openGroup(ref, depth);
+        } else {
+            indent(depth);
+            drawPass(ref);
+        }
+        return;
+    }
+    if (!snapshot.node(0).inputs.isEmpty()) {
+        indent(1);
+        drawPorts(0, false, kRenderer, "Parameters");
+    }
+    if (!snapshot.node(0).outputs.isEmpty()) {
+        indent(1);
+        drawPorts(0, true, kRenderer, "Outputs");
+    }
+}
+
+void Drawing::leave(int ref, int depth)
+{
+    if (ref == 0 || !isGroup(ref))
+        return;
+    indent(depth);
+    out += "}\n";
+}
+
+bool Drawing::exists(const PortRef& port) const
+{
+    const NodeRecord& node = snapshot.node(port.node);
+    const QVector<PortRecord>& ports = port.isOutput ? node.outputs : node.inputs;
+    return lookUp(drawn, port.node) && port.index >= 0 && port.index < ports.size();
+}
+
+/// The cell of a port. One that does not exist gets a text in its place.
+QByteArray Drawing::end(const PortRef& port)
+{
+    const char* side = port.isOutput ? "o" : "i";
+    if (exists(port)) {
+        const bool isSplit = port.node == 0 || isGroup(port.node);
+        return "n" + number(port.node) + (isSplit ? side : "") + ":" + side + number(port.index);
+    }
+    const QByteArray id = "x" + number(numLooseEnds++);
+    indent(1);
+    out += id + " [class=\"loose\" shape=plaintext label=<no "
+        + (port.isOutput ? "output " : "input ") + number(port.index) + " of "
+        + (lookUp(drawn, port.node) ? label(snapshot.node(port.node).name, "no name")
+                                    : "node " + number(port.node))
+        + ">]\n";
+    return id;
+}
+
+void Drawing::drawEdge(const PortRef& from, const PortRef& to, const char* attributes)
+{
+    const QByteArray tail = end(from);
+    const QByteArray head = end(to);
+    indent(1);
+    out += tail + (tail.startsWith('n') ? ":e" : "") + " -> " + head
+        + (head.startsWith('n') ? ":w" : "") + " [" + attributes + "]\n";
+}
+
+/// The edge that a port is fed by, as the walks of the graph follow it.
+void Drawing::drawSource(const PortRef& to)
+{
+    const PortRecord& port =
+        to.isOutput ? snapshot.output(to.node, to.index) : snapshot.input(to.node, to.index);
+    const EdgeRecord& edge = snapshot.edge(port.source);
+    if (edge.removed)
+        return;
+    const int parent = snapshot.node(to.node).parent;
+    const int sourceParent = snapshot.node(edge.srcNode).parent;
+    const bool isUp = to.isOutput && sourceParent == to.node;
+    const bool isDown = !to.isOutput && edge.srcNode == parent;
+    const bool isRegular = !to.isOutput && !isDown && sourceParent == parent;
+    const PortRef from = {edge.srcNode, edge.srcIndex, !isDown};
+    if (!(isUp || isDown || isRegular) || !exists(from))
+        return;
+    drawnEdges[port.source] = true;
+    drawEdge(from, to, isUp ? kUp : isDown ? kDown : kRegular);
+}
+
+/// An edge that no walk follows.
+void Drawing::drawDeadEdge(int ref)
+{
+    const EdgeRecord& edge = snapshot.edge(ref);
+    const EdgeKind kind = snapshot.kindOf(ref);
+    drawEdge({edge.srcNode, edge.srcIndex, kind != EdgeKind::Down},
+             {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up}, kDead);
+}
+
+QByteArray Drawing::draw()
+{
+    out = "digraph orv {\n"
+          "  graph [rankdir=LR bgcolor=\"#ffffff\" pad=0.25 nodesep=0.3 ranksep=0.5 fontsize=12"
+          " labeljust=l fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#111827\"]\n"
+          "  node [shape=box margin=0 height=0 width=0 penwidth=1.3 fontsize=11"
+          " fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#111827\"]\n"
+          "  edge [fontsize=9 arrowsize=0.7 penwidth=1.3"
+          " fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#4b5563\"]\n";
+    const auto entering = [this](int ref, int depth) { enter(ref, depth); };
+    const auto leaving = [this](int ref, int depth) { leave(ref, depth); };
+    QVector<bool> visited(snapshot.nodes.size(), false);
+    if (!visited.isEmpty())
+        walk(tree, 0, 0, visited, entering, leaving);
+    for (const int stray : tree.strays())
+        walk(tree, stray, 1, visited, entering, leaving);
+
+    for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
+        if (!drawn.at(ref))
+            continue;
+        const NodeRecord& node = snapshot.nodes.at(ref);
+        for (int i = 0; i < node.inputs.size(); ++i)
+            drawSource({ref, i, false});
+        for (int i = 0; i < node.outputs.size(); ++i)
+            drawSource({ref, i, true});
+    }
+    for (int ref = 0; ref < snapshot.edges.size(); ++ref) {
+        if (!snapshot.edges.at(ref).removed && !drawnEdges.at(ref))
+            drawDeadEdge(ref);
+    }
+    return out + "}\n";
+}
+
+} // namespace
+
+QByteArray toGraphviz(const Snapshot& snapshot, const QVector<int>& failed)
+{
+    return Drawing(snapshot, failed).draw();
+}
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
