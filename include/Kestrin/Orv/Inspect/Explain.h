@@ -24,7 +24,7 @@ struct NodeExplanation
         Scheduled, ///< a pass that runs
         Disabled,  ///< a pass that an output or the target leads to, but that is disabled
         NotNeeded, ///< a pass that no output and no target leads to
-        Group,     ///< a group, or the root: nothing to run
+        Group,     ///< a group, the root, or a node whose pass is null: nothing to run
         Removed,   ///< a slot of the node table that holds no node any more
         Missing    ///< no such node
     };
@@ -33,7 +33,9 @@ struct NodeExplanation
     State state = Missing;
     bool enabled = false;
     int position = -1; ///< in the order of execution, from 0
-    /// What needs it: the index of the first output of the renderer that does; -1 for the target.
+    /// Whether an output or the target leads to the node; groups may be led to as well.
+    bool needed = false;
+    /// What needs it first: the index of an output of the renderer; -1 for the target.
     int output = -1;
     /// The ports from that output, or from the target's input, back to the node's own output, the way
     /// that the renderer goes. Empty if nothing needs it, and for the target itself.
@@ -41,11 +43,12 @@ struct NodeExplanation
     /// For a pass that nothing needs: the node downstream of it, or itself, where the way to an output
     /// ends first: make it the target or feed an output from it, and the pass runs.
     int nearest = -1;
-    /// The ports from `nearest` back to the node.
+    /// The ports from `nearest` back to the node; empty if they are the same.
     QVector<PortRef> nearestPath;
 };
 
-/// Where the value of a pass's input comes from.
+/// Where the value of an input comes from. An input of a group has no default of its own: there,
+/// Default says that it carries nothing.
 struct InputExplanation
 {
     enum Source { Parameter, Output, Default, NoSuchInput };
@@ -55,7 +58,7 @@ struct InputExplanation
         Unfed,            ///< the path ends at an input that nothing feeds
         NoPassBehind,     ///< the path ends at an output of a group that leads nowhere
         UpstreamDisabled, ///< the pass that feeds it is disabled
-        NotAPass          ///< a node without a pass feeds it
+        NotAPass          ///< what feeds it is neither a pass nor a group
     };
 
     PortRef input;
@@ -70,20 +73,25 @@ struct InputExplanation
 /// What a graph says to a new edge.
 struct EdgeExplanation
 {
-    /// The rules in the order in which the graph applies them.
+    /// The rules in the order in which they are applied.
     enum Rule {
         Accepted,
         NoSuchNode,
         NoSuchPort,
-        NotRelated, ///< accepted by the graph, but neither siblings nor group and child: carries nothing
         AlreadyFed,
         LeavesGroup, ///< the oldest edge that leaves the output is not a regular one
-        Cycle
+        Cycle,
+        /// Neither siblings nor a group and its child. No call makes such an edge, but for an output
+        /// to an input: Graph::addEdge() does not ask, and what it makes carries nothing.
+        NotRelated
     };
 
     PortRef from;
     PortRef to;
     Rule rule = NoSuchNode;
+    /// Whether the graph makes the edge when it is told to: always for Accepted, sometimes for
+    /// NotRelated, never for the others.
+    bool made = false;
     int fedBy = -1;  ///< for AlreadyFed: the edge that feeds it
     int oldest = -1; ///< for LeavesGroup: the edge in question
     /// For a cycle: the ports of the whole way round, from the new edge's source back to its
