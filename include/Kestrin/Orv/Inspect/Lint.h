@@ -22,12 +22,26 @@ struct Finding
     int edge = -1; ///< the edge, if it is about one
 };
 
-/// Looks for everything that the documentation of the codes lists. Findings come in the order of the
-/// node table, then of ports, then of edges. Linear in what the snapshot holds.
+/// What a code means, in short.
+struct LintCode
+{
+    QString code;
+    QString meaning; ///< one line
+};
+
+/// All codes that lint() can report, in alphabetical order.
+ORV_INSPECT_EXPORT QVector<LintCode> lintCodes();
+
+/// Looks for everything that lintCodes() lists. Findings come in the order of the node table; those
+/// about one node come in the order: the node itself, its inputs, its outputs, edges that enter it.
+/// Linear in what the snapshot holds and in the length of the texts.
 ORV_INSPECT_EXPORT QVector<Finding> lint(const Snapshot& snapshot);
 
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin
+
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::Finding, Q_MOVABLE_TYPE);
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::LintCode, Q_MOVABLE_TYPE);
 
 #endif
