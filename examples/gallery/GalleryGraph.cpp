@@ -6,6 +6,7 @@
 #include "PassMakers.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Lint.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/Walkers.h>
@@ -82,13 +83,12 @@ Kestrin::Orv::RenderPass* GalleryGraph::make(const QString& type, const QString&
                                              const QString& groupPath)
 {
     Kestrin::Orv::RenderPass* pass = makePass(type, name);
-    if (trace) {
-        const QString path = Inspect::Paths::escaped(name);
-        pass = new Inspect::TracedPass(
-            *trace, groupPath.isEmpty() ? path : groupPath + QLatin1Char('/') + path, pass);
-    }
     types.insert(pass, type);
-    return pass;
+    if (!trace)
+        return pass;
+    const QString path = Inspect::Paths::escaped(name);
+    return new Inspect::TracedPass(
+        *trace, groupPath.isEmpty() ? path : groupPath + QLatin1Char('/') + path, pass);
 }
 
 GalleryGraph::Node GalleryGraph::add(const char* type, Node parent)
@@ -206,7 +206,23 @@ int GalleryGraph::findPass(const QString& name)
         if (host.renderPass(walker.node()) && graph.nodeName(walker.node()) == name)
             return walker.node();
     }
+    const Inspect::Snapshot now = snapshot();
+    const QVector<int> found = Inspect::Paths(now).findNodes(name);
+    for (const Node node : found) {
+        if (host.renderPass(node))
+            return node;
+    }
     return Graph::kInvalidNodeRef;
+}
+
+QString GalleryGraph::uncountedReader()
+{
+    const QVector<Inspect::Finding> findings = Inspect::lint(snapshot());
+    for (const Inspect::Finding& finding : findings) {
+        if (finding.code == QLatin1String("uncounted-users"))
+            return finding.text;
+    }
+    return {};
 }
 
 QVector<int> GalleryGraph::executionOrder()

@@ -53,8 +53,11 @@ public:
     /// The graph as it is now, with the types of its passes.
     Inspect::Snapshot snapshot();
 
-    /// The pass of this name, in whichever group; -1 if there is none.
+    /// The pass of this name, in whichever group, or of this path; -1 if there is none.
     int findPass(const QString& name);
+    /// Says for people of which output the renderer counts too few readers, so that its texture would
+    /// return to the pool too early; empty if there is none.
+    QString uncountedReader();
     /// The passes that the renderer's outputs and its target need, in their order of execution.
     QVector<int> executionOrder();
     /// Disables the passes that executionOrder() does not need. A pass that is never scheduled

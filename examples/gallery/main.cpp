@@ -137,7 +137,7 @@ bool render(const Options& options, GalleryGraph& graph, Inspect::Trace* trace, 
     return done;
 }
 
-bool run(const Options& options, QTextStream& out, QString& error)
+bool run(Options options, QTextStream& out, QString& error)
 {
     if (!options.message.isEmpty()) {
         out << options.message;
@@ -165,6 +165,12 @@ bool run(const Options& options, QTextStream& out, QString& error)
     }
     if (options.list || !options.graphvizFile.isEmpty())
         return true;
+
+    const QString uncounted = graph.uncountedReader();
+    if (!uncounted.isEmpty()) {
+        out << "every output gets a texture of its own: " << uncounted << '\n';
+        options.reuseTextures = false;
+    }
     return render(options, graph, options.isTraced() ? &trace : nullptr, out, error);
 }
 
