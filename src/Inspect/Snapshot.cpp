@@ -6,6 +6,7 @@
 #include "LookUp.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
@@ -49,7 +50,7 @@ void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord
 {
     record.pass = true;
     if (typeOf)
-        record.type = typeOf(pass);
+        record.type = typeOf(*TracedPass::innermost(&pass));
     const int numInputs = pass.numInputs();
     int index = 0;
     for (PortRecord& input : record.inputs) {

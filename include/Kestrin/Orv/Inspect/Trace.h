@@ -8,10 +8,13 @@
 #include <Kestrin/Orv/RenderPass.h>
 
 #include <QtCore/QByteArray>
-#include <QtCore/QElapsedTimer>
+#include <QtCore/QString>
 #include <QtCore/QVector>
 
+#include <functional>
 #include <memory>
+
+class QIODevice;
 
 namespace Kestrin {
 namespace Orv {
@@ -20,25 +23,53 @@ class Renderer;
 
 namespace Inspect {
 
-/// A call that a pass received, or a whole frame.
+class Recording;
+
+/// A span of time: a frame, a call that a pass received, or the wait for it.
 struct TraceEvent
 {
-    /// The operations of RenderPass that are recorded, and the frame around them.
-    enum Kind { Frame, Setup, BeginFrame, Start, Skip, Wait, EndFrame, Teardown };
+    /// What the time went into. Setup and all that follows are the operations of RenderPass.
+    enum Kind {
+        Frame,
+        Wait, ///< from the end of start() or skip() until isFinished() is true, if asked repeatedly
+        Setup,
+        BeginFrame,
+        Start,
+        Skip,
+        EndFrame,
+        Teardown,
+        TeardownContextData,
+        Destructor,
+        IsFinished, ///< this and the following under Trace::EveryCall only
+        NumInputs,
+        NumOutputs,
+        InputName,
+        OutputName,
+        SetInput,
+        DefaultValue,
+        SetDefaultValue,
+        Output,
+        SetNumOutputUsers,
+        ResetNumOutputUsers,
+        ErrorCode,
+        ClearErrorCode,
+        SetErrorCode
+    };
 
     Kind kind;
-    int pass;       ///< index of the pass in the trace; -1 for a frame
-    int frame;      ///< number of the frame, from 0; -1 outside frames
-    qint64 beginNs; ///< since the trace was made
-    qint64 endNs;
-    unsigned int errorCode; ///< of a frame's last call of a pass; 0 for success
+    int pass;               ///< index of the pass in the trace; -1 for a frame
+    int frame;              ///< number of the frame, from 0; -1 outside frames
+    unsigned int errorCode; ///< of an EndFrame: what errorCode() answered after it; 0 for success
+    qint64 beginNs;         ///< since the trace was made
+    qint64 endNs;           ///< since the trace was made; not before beginNs
 };
 
-/// Times of one pass or of the frames, in nanoseconds. Percentiles are values that occurred.
+/// Times of one pass or of the frames, in nanoseconds. Percentiles are values that occurred: the
+/// smallest one that so many percent of all do not exceed.
 struct TraceSummary
 {
-    QString name;  ///< the pass's path; empty for frames
-    int count = 0; ///< in how many frames it was called
+    QString name;  ///< what the trace calls the pass; empty for frames
+    int count = 0; ///< in how many frames it was called; all times are 0 if in none
     qint64 total = 0;
     qint64 minimum = 0;
     qint64 median = 0;
@@ -47,51 +78,115 @@ struct TraceSummary
     qint64 maximum = 0;
 };
 
-/// Records when passes are called. Made before the passes that it records, and kept longer than they
-/// are.
+/// Records when the passes are called that stand behind a TracedPass.
+///
+/// Takes room for all its events when it is made, 32 bytes each, of which the system provides what is
+/// used: recording allocates nothing. When the room is full, recording stops until clear(), and what
+/// no longer fits is counted. The table of passes grows with each TracedPass that is made.
+///
+/// Used on the thread of the passes. Times are those of a steady clock.
 class ORV_INSPECT_EXPORT Trace
 {
 public:
+    /// What is recorded; calls are counted in any case.
+    enum Detail {
+        LifeCycle, ///< setup, beginFrame, start, skip, endFrame, both teardowns, destructors, waits
+        EveryCall  ///< all operations of RenderPass
+    };
+    /// Tells the time in nanoseconds since whenever; must not throw. Times that run backwards count
+    /// as standing still.
+    using Clock = std::function<qint64()>;
+
+    static const int kDefaultCapacity = 1000000; ///< how many events fit unless told otherwise
+
+    /// A trace of kDefaultCapacity and LifeCycle.
     Trace();
+    /// A trace that holds up to \p capacity events, by a clock of the host's own if there is one.
+    explicit Trace(int capacity, const Clock& clock = Clock());
+    /// Passes may outlive the trace: they go on without being recorded.
     ~Trace();
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
 
-    /// Opens and closes a frame; around Renderer::render().
+    /// Sets what is recorded of the calls that begin from now on.
+    void setDetail(Detail detail);
+    Detail detail() const; ///< what is recorded
+
+    /// Opens a frame; before Renderer::render(). A frame that is still open, because something was
+    /// thrown, ends with the last thing recorded in it. Does nothing during a call of a traced pass.
     void beginFrame();
+    /// Closes the frame; after Renderer::render(). Does nothing when none is open, and during a call
+    /// of a traced pass.
     void endFrame();
-    /// Drops all events; passes stay.
+    /// Forgets all events and counts, an open frame included; the next frame is number 0. Passes and
+    /// the time from which events count stay.
     void clear();
 
+    /// Number of passes ever made with this trace.
     int numPasses() const;
+    /// What a pass is called; empty for one that there is not.
     QString passName(int pass) const;
-    const QVector<TraceEvent>& events() const;
+    /// Names all traced passes of a renderer by the paths of their nodes, in their traces. Linear in
+    /// what the renderer holds.
+    static void namePasses(Renderer& renderer);
+    /// How often an operation of a pass was called, whatever was recorded; 0 for all that is none.
+    qint64 numCalls(int pass, TraceEvent::Kind operation) const;
 
-    /// One line for each pass in the order in which they were made: what all its calls of a frame took.
+    /// What files call a kind of event: the operation's name, "frame", "wait" or "destructor". Empty
+    /// for what is no kind.
+    static QString kindName(TraceEvent::Kind kind);
+
+    /// Number of events recorded, those included that have not ended yet.
+    int numEvents() const;
+    /// How many events did not fit.
+    qint64 numDropped() const;
+    /// The events that have ended, in the order in which they began; what lies within another comes
+    /// after it. Events never overlap in part. Linear.
+    QVector<TraceEvent> events() const;
+
+    /// One line for each pass in the order in which they were made: the time of its life-cycle calls
+    /// and of the wait for it, frame by frame. Calls within calls of the same pass count once. Only
+    /// frames that have ended and that were recorded to their end count, here and in frames().
+    /// Takes the time of sorting the values.
     QVector<TraceSummary> passes() const;
     /// What whole frames took.
     TraceSummary frames() const;
+
     /// The events as a file in the Trace Event format, which Perfetto and chrome://tracing open.
     QByteArray toTraceEvents() const;
+    /// Writes that file piece by piece. Linear.
+    /// \return whether the device took all of it.
+    bool writeTraceEvents(QIODevice& device) const;
 
 private:
     friend class TracedPass;
-    struct Impl;
-    std::unique_ptr<Impl> impl;
+    std::shared_ptr<Recording> recording; // shared with the passes
 };
 
-/// Stands between a renderer and a pass, hands every operation on and records when the life-cycle ones
-/// were called.
+/// Stands between a renderer and a pass: hands every operation on, with its arguments and results, and
+/// has it recorded.
 class ORV_INSPECT_EXPORT TracedPass : public RenderPass
 {
 public:
-    /// Takes ownership of \p pass, which must not be null; \p trace must outlive this.
-    /// \param name what the trace calls it, best its path.
+    /// \param trace where calls are recorded as long as it exists.
+    /// \param name what the trace calls the pass; see also Trace::namePasses().
+    /// \param pass handed over to this, whatever happens. Null stands for a RenderPassHelper.
     TracedPass(Trace& trace, const QString& name, RenderPass* pass);
+    /// Deletes the pass behind this.
     ~TracedPass() override;
+    TracedPass(const TracedPass&) = delete;
+    TracedPass& operator=(const TracedPass&) = delete;
 
-    /// The pass behind it.
+    /// The pass behind this one, which this keeps owning.
     RenderPass* pass() const;
+    /// The pass that does the work: what is behind \p pass if that is a TracedPass, and behind the next
+    /// one, and so on; else \p pass itself. Null for null.
+    static const RenderPass* innermost(const RenderPass* pass);
+    static RenderPass* innermost(RenderPass* pass); ///< the same
+    /// The index of this pass in its trace.
+    int index() const;
+    /// Changes what the trace calls this pass.
+    void setName(const QString& name);
 
     void setup(RenderCallbacks* callbacks) override;
     void beginFrame(RenderCallbacks* callbacks) override;
@@ -123,5 +218,8 @@ private:
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin
+
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::TraceEvent, Q_PRIMITIVE_TYPE);
+Q_DECLARE_TYPEINFO(Kestrin::Orv::Inspect::TraceSummary, Q_MOVABLE_TYPE);
 
 #endif
