@@ -58,19 +58,20 @@ void GalleryGraph::build()
     debugView = add("DebugView", root);
     lightMeter = add("LightMeter", root);
     wire();
+    Inspect::Trace::namePasses(host);
 }
 
 QVector<Inspect::Problem> GalleryGraph::build(const Inspect::ReadResult& document)
 {
-    const Inspect::Paths paths(document.snapshot);
     Inspect::PassFactory factory;
     const QStringList known = passTypes();
     for (const QString& type : known) {
-        factory.add(type, [this, &paths, type](const Inspect::NodeRecord& node) {
-            return make(type, node.name, paths.node(node.parent));
-        });
+        factory.add(
+            type, [this, type](const Inspect::NodeRecord& node) { return make(type, node.name); });
     }
-    return Inspect::buildRenderer(document.snapshot, host, factory, document.places);
+    const auto problems = Inspect::buildRenderer(document.snapshot, host, factory, document.places);
+    Inspect::Trace::namePasses(host);
+    return problems;
 }
 
 Inspect::Snapshot GalleryGraph::snapshot()
@@ -79,16 +80,11 @@ Inspect::Snapshot GalleryGraph::snapshot()
         host, [this](const Kestrin::Orv::RenderPass& pass) { return types.value(&pass); });
 }
 
-Kestrin::Orv::RenderPass* GalleryGraph::make(const QString& type, const QString& name,
-                                             const QString& groupPath)
+Kestrin::Orv::RenderPass* GalleryGraph::make(const QString& type, const QString& name)
 {
     Kestrin::Orv::RenderPass* pass = makePass(type, name);
     types.insert(pass, type);
-    if (!trace)
-        return pass;
-    const QString path = Inspect::Paths::escaped(name);
-    return new Inspect::TracedPass(
-        *trace, groupPath.isEmpty() ? path : groupPath + QLatin1Char('/') + path, pass);
+    return trace ? new Inspect::TracedPass(*trace, name, pass) : pass;
 }
 
 GalleryGraph::Node GalleryGraph::add(const char* type, Node parent)
@@ -98,15 +94,7 @@ GalleryGraph::Node GalleryGraph::add(const char* type, Node parent)
 
 GalleryGraph::Node GalleryGraph::add(const char* type, const QString& name, Node parent)
 {
-    return host.addPass(name, make(QString::fromLatin1(type), name, pathOf(parent)), parent);
-}
-
-QString GalleryGraph::pathOf(Node node) const
-{
-    QString path;
-    for (; graph.parentNode(node) != Graph::kInvalidNodeRef; node = graph.parentNode(node))
-        path = graph.nodeName(node) + (path.isEmpty() ? path : QLatin1Char('/') + path);
-    return path;
+    return host.addPass(name, make(QString::fromLatin1(type), name), parent);
 }
 
 void GalleryGraph::addOcclusion()

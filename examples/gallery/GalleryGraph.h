@@ -67,11 +67,9 @@ public:
 private:
     using Node = int;
 
-    Kestrin::Orv::RenderPass* make(const QString& type, const QString& name,
-                                   const QString& groupPath);
+    Kestrin::Orv::RenderPass* make(const QString& type, const QString& name);
     Node add(const char* type, Node parent);
     Node add(const char* type, const QString& name, Node parent);
-    QString pathOf(Node node) const;
     void addOcclusion();
     void addBloom();
     Node addPyramid(Node bloom);
