@@ -135,6 +135,17 @@ void Document::connect(const QString& edge)
     content.insert(edges, list);
 }
 
+void Document::addCopy(const QString& path, const QString& newPath)
+{
+    QJsonArray list = take(nodes);
+    const auto isIt = [&](const QJsonValue& node) { return property(node, "path") == path; };
+    const int index = findIn(list, isIt, path);
+    QJsonObject copy = list.at(index).toObject();
+    copy.insert(QStringLiteral("path"), newPath);
+    list.append(copy);
+    content.insert(nodes, list);
+}
+
 void Document::remove(const QString& path)
 {
     QJsonArray list = take(nodes);

@@ -27,6 +27,8 @@ public:
     /// Replaces a connection by another one, or removes it if that is empty.
     void rewire(const QString& edge, const QString& replacement = QString());
     void connect(const QString& edge);
+    /// Adds a pass or group like another one, not connected yet.
+    void addCopy(const QString& path, const QString& newPath);
     /// Removes a pass, or a group with all that it holds, and all connections.
     void remove(const QString& path);
     /// Removes a parameter or an output of the renderer, and its connections.
