@@ -597,8 +597,10 @@ QString Explainer::toText(const InputExplanation& explanation) const
     case InputExplanation::NoSuchInput:
         break;
     }
-    return latin1("There is no ")
-        + (exists(snapshot, node) ? latin1("input ") + name : impl->nameOf(node)) + latin1(".\n");
+    if (!exists(snapshot, node))
+        return latin1("There is no ") + impl->nameOf(node) + latin1(".\n");
+    return (node == kRoot ? latin1("The renderer") : impl->nameOf(node))
+        + latin1(" has no such input.\n");
 }
 
 /// What becomes of an edge, and why.

@@ -260,7 +260,7 @@ QByteArray Drawing::state(int ref) const
     const int position = schedule.positions.value(ref, -1);
     QByteArray text;
     if (position >= 0)
-        text = number(position);
+        text = number(position + 1);
     else
         text = snapshot.node(ref).enabled ? "not needed" : "disabled";
     if (hasFailed.at(ref))
