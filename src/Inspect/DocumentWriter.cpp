@@ -2,3 +2,211 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/Paths.h>
+
+#include "EdgeCheck.h"
+#include "Layout.h"
+#include "Values.h"
+
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+namespace {
+
+class DocumentWriter
+{
+public:
+    DocumentWriter(const Snapshot& shown, const ValueTypes& valueTypes, QVector<Problem>* lossList)
+        : snapshot(shown)
+        , paths(shown)
+        , types(valueTypes)
+        , losses(lossList)
+    {
+    }
+
+    QByteArray write();
+
+private:
+    static void insertList(QJsonObject& object, const char* key, const QJsonArray& list)
+    {
+        if (!list.isEmpty())
+            object.insert(QLatin1String(key), list);
+    }
+    QJsonArray groups(const NodeRecord& node);
+    QJsonObject port(const PortRecord& port) const;
+    /// The name alone if there is nothing else to say.
+    static QJsonValue shortened(const QJsonObject& port)
+    {
+        return port.size() == 1 ? port.constBegin().value() : QJsonValue(port);
+    }
+    void insertValue(QJsonObject& object, const QVariant& value, const QString& path);
+    QJsonArray parameters();
+    QJsonArray inputs(int node);
+    QJsonArray outputs(const NodeRecord& node) const;
+    QJsonObject node(int ref);
+    QJsonArray edges() const;
+
+    const Snapshot& snapshot;
+    const Paths paths;
+    const ValueTypes& types;
+    QVector<Problem>* const losses;
+    /// The groups of the node that is being written: their names, and numbers where a name is not
+    /// unique.
+    QVector<QJsonValue> groupNames;
+};
+
+QJsonArray DocumentWriter::groups(const NodeRecord& node)
+{
+    QJsonArray list;
+    QHash<QString, int> firsts;
+    groupNames.clear();
+    for (int group = 0; group < node.groups.size(); ++group) {
+        const QString& name = node.groups.at(group);
+        list.append(name);
+        const auto first = firsts.constFind(name);
+        if (first == firsts.constEnd()) {
+            firsts.insert(name, group);
+            groupNames.append(name);
+        } else {
+            groupNames[*first] = *first;
+            groupNames.append(group);
+        }
+    }
+    return list;
+}
+
+QJsonObject DocumentWriter::port(const PortRecord& port) const
+{
+    QJsonObject object;
+    object.insert(QStringLiteral("name"), port.name);
+    if (port.group != -1)
+        object.insert(QStringLiteral("group"), groupNames.value(port.group, port.group));
+    return object;
+}
+
+void DocumentWriter::insertValue(QJsonObject& object, const QVariant& value, const QString& path)
+{
+    if (writeValue(value, types, object) || !losses)
+        return;
+    Problem loss;
+    loss.code = QStringLiteral("unwritable-value");
+    loss.text = path + QStringLiteral(": a value of type ") + QLatin1String(value.typeName())
+        + QStringLiteral(" has no written form");
+    losses->append(loss);
+}
+
+QJsonArray DocumentWriter::parameters()
+{
+    QJsonArray list;
+    const NodeRecord& root = snapshot.nodes.first();
+    for (int i = 0; i < root.inputs.size(); ++i) {
+        QJsonObject object = port(root.inputs.at(i));
+        const QVariant& value = snapshot.parameters.at(i);
+        if (value.isValid())
+            insertValue(object, value, paths.input(0, i));
+        list.append(shortened(object));
+    }
+    return list;
+}
+
+QJsonArray DocumentWriter::inputs(int ref)
+{
+    QJsonArray list;
+    const NodeRecord& record = snapshot.nodes.at(ref);
+    for (int i = 0; i < record.inputs.size(); ++i) {
+        const PortRecord& input = record.inputs.at(i);
+        QJsonObject object = port(input);
+        if (input.defaultValue.isValid()) {
+            QJsonObject value;
+            insertValue(value, input.defaultValue, paths.input(ref, i));
+            if (!value.isEmpty())
+                object.insert(QStringLiteral("default"), value);
+        }
+        list.append(shortened(object));
+    }
+    return list;
+}
+
+QJsonArray DocumentWriter::outputs(const NodeRecord& node) const
+{
+    QJsonArray list;
+    for (const PortRecord& output : node.outputs)
+        list.append(shortened(port(output)));
+    return list;
+}
+
+QJsonObject DocumentWriter::node(int ref)
+{
+    const NodeRecord& record = snapshot.nodes.at(ref);
+    QJsonObject object;
+    object.insert(QStringLiteral("path"), paths.node(ref));
+    if (record.pass) {
+        object.insert(QStringLiteral("pass"), record.type);
+        if (!record.enabled)
+            object.insert(QStringLiteral("enabled"), false);
+    } else if (record.value != -1) {
+        object.insert(QStringLiteral("value"), record.value);
+    }
+    insertList(object, "groups", groups(record));
+    insertList(object, "inputs", inputs(ref));
+    insertList(object, "outputs", outputs(record));
+    return object;
+}
+
+QJsonArray DocumentWriter::edges() const
+{
+    QJsonArray list;
+    for (int i = 0; i < snapshot.edges.size(); ++i) {
+        const EdgeRecord& edge = snapshot.edges.at(i);
+        const EdgeKind kind = snapshot.kindOf(i);
+        list.append(paths.port(EdgeCheck::source(edge, kind)) + QStringLiteral(" -> ")
+                    + paths.port(EdgeCheck::destination(edge, kind)));
+    }
+    return list;
+}
+
+QByteArray DocumentWriter::write()
+{
+    QJsonObject document;
+    document.insert(QStringLiteral("format"), QStringLiteral("orv-graph"));
+    document.insert(QStringLiteral("version"), 1);
+    const NodeRecord& root = snapshot.nodes.first();
+    if (!root.name.isEmpty())
+        document.insert(QStringLiteral("name"), root.name);
+    if (root.value != -1)
+        document.insert(QStringLiteral("value"), root.value);
+    insertList(document, "groups", groups(root));
+    insertList(document, "parameters", parameters());
+    insertList(document, "outputs", outputs(root));
+    QJsonArray nodes;
+    for (int ref = 1; ref < snapshot.nodes.size(); ++ref)
+        nodes.append(node(ref));
+    insertList(document, "nodes", nodes);
+    insertList(document, "edges", edges());
+    if (snapshot.target >= 0)
+        document.insert(QStringLiteral("target"), paths.node(snapshot.target));
+    return QJsonDocument(document).toJson(QJsonDocument::Indented);
+}
+
+} // namespace
+
+QByteArray writeDocument(const Snapshot& snapshot, QVector<Problem>* losses,
+                         const ValueTypes& types)
+{
+    const Layout layout(snapshot);
+    if (losses) {
+        losses->clear();
+        for (const Layout::Loss& loss : layout.losses)
+            losses->append({loss.code, loss.text, Place()});
+    }
+    return DocumentWriter(layout.snapshot, types, losses).write();
+}
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin

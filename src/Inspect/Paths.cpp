@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Inspect/Paths.h>
 
 #include "LookUp.h"
+#include "PathSegment.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QPair>
@@ -20,7 +21,7 @@ namespace {
 /// Where each name stands in a list.
 using Positions = QHash<QString, QVector<int>>;
 
-const int kUnique = -1;
+const int kUnique = PathSegment::kNoOrdinal;
 const int kUnlisted = -2;
 
 bool mustBeEscaped(QChar c)
@@ -39,17 +40,39 @@ bool mustBeEscaped(QChar c)
     }
 }
 
-/// One part of a path, taken apart.
-struct Segment
+/// Those of the positions that a segment may mean.
+QVector<int> chosen(const QVector<int>& positions, const PathSegment& segment)
 {
-    QString name;
-    int ordinal = kUnique; // which of that name, if the path says so
-    bool valid = false;
-};
+    if (segment.ordinal == kUnique)
+        return positions;
+    if (segment.ordinal < positions.size())
+        return {positions.at(segment.ordinal)};
+    return {};
+}
 
-Segment parseSegment(const QString& text)
+/// Adds to `name` which of its kind it is, if that is needed.
+QString numbered(const QString& name, int ordinal)
 {
-    Segment segment;
+    const QString text = Paths::escaped(name);
+    if (ordinal == kUnique)
+        return name.isEmpty() ? QStringLiteral("[0]") : text;
+    return text + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
+}
+
+Positions positionsOf(const QVector<PortRecord>& ports)
+{
+    Positions positions;
+    positions.reserve(ports.size());
+    for (int i = 0; i < ports.size(); ++i)
+        positions[ports.at(i).name].append(i);
+    return positions;
+}
+
+} // namespace
+
+PathSegment parsePathSegment(const QString& text)
+{
+    PathSegment segment;
     const int bracket = text.indexOf(QLatin1Char('['));
     const QString name = text.left(bracket);
     if (bracket >= 0) {
@@ -79,36 +102,6 @@ Segment parseSegment(const QString& text)
     segment.valid = true;
     return segment;
 }
-
-/// Those of the positions that a segment may mean.
-QVector<int> chosen(const QVector<int>& positions, const Segment& segment)
-{
-    if (segment.ordinal == kUnique)
-        return positions;
-    if (segment.ordinal < positions.size())
-        return {positions.at(segment.ordinal)};
-    return {};
-}
-
-/// Adds to `name` which of its kind it is, if that is needed.
-QString numbered(const QString& name, int ordinal)
-{
-    const QString text = Paths::escaped(name);
-    if (ordinal == kUnique)
-        return name.isEmpty() ? QStringLiteral("[0]") : text;
-    return text + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
-}
-
-Positions positionsOf(const QVector<PortRecord>& ports)
-{
-    Positions positions;
-    positions.reserve(ports.size());
-    for (int i = 0; i < ports.size(); ++i)
-        positions[ports.at(i).name].append(i);
-    return positions;
-}
-
-} // namespace
 
 struct Paths::Impl
 {
@@ -237,7 +230,9 @@ QString Paths::port(const PortRef& ref) const
     if (ref.index >= 0 && ref.index < ports.size()) {
         name = ports.at(ref.index).name;
         const QVector<int> same = impl->portsOfName(ref.node, ref.isOutput, name);
-        name = numbered(name, same.size() == 1 ? kUnique : same.indexOf(ref.index));
+        // Ascending, and perhaps all ports of a node that has very many.
+        const auto position = std::lower_bound(same.cbegin(), same.cend(), ref.index);
+        name = numbered(name, same.size() == 1 ? kUnique : int(position - same.cbegin()));
     } else {
         name = (ref.isOutput ? QLatin1String("[no output ") : QLatin1String("[no input "))
             + QString::number(ref.index) + QLatin1Char(']');
@@ -252,7 +247,7 @@ QVector<int> Paths::findNodes(const QString& path) const
         return found;
     const QStringList segments = path.split(QLatin1Char('/'));
     for (const QString& text : segments) {
-        const Segment segment = parseSegment(text);
+        const PathSegment segment = parsePathSegment(text);
         if (!segment.valid)
             return {};
         QVector<int> next;
@@ -266,7 +261,7 @@ QVector<int> Paths::findNodes(const QString& path) const
 QVector<PortRef> Paths::findPorts(const QString& path) const
 {
     const int dot = path.lastIndexOf(QLatin1Char('.'));
-    const Segment segment = parseSegment(path.mid(dot + 1));
+    const PathSegment segment = parsePathSegment(path.mid(dot + 1));
     QVector<PortRef> found;
     if (!segment.valid || dot == 0)
         return found;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/StandInPass.h>
 
 #include "LookUp.h"
 
@@ -49,8 +50,11 @@ QVector<PortRecord> outputsOf(const Graph& graph, int node)
 void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
 {
     record.pass = true;
-    if (typeOf)
-        record.type = typeOf(*TracedPass::innermost(&pass));
+    const RenderPass& worker = *TracedPass::innermost(&pass);
+    if (const auto* standIn = dynamic_cast<const StandInPass*>(&worker))
+        record.type = standIn->type();
+    else if (typeOf)
+        record.type = typeOf(worker);
     const int numInputs = pass.numInputs();
     int index = 0;
     for (PortRecord& input : record.inputs) {

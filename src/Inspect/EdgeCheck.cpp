@@ -1,0 +1,287 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include "EdgeCheck.h"
+
+#include "LookUp.h"
+
+#include <algorithm>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+namespace {
+
+/// Arrows between vertices, grouped by the vertex that they leave.
+class Arrows
+{
+public:
+    explicit Arrows(int numVertices)
+        : first(static_cast<std::size_t>(numVertices) + 1)
+    {
+    }
+    void add(int from, int to) { arrows.push_back({from, to}); }
+    /// After the last add().
+    void sort()
+    {
+        for (const Arrow& arrow : arrows)
+            ++first[index(arrow.from)];
+        int sum = 0;
+        for (int& entry : first) {
+            sum += entry;
+            entry = sum;
+        }
+        targets.resize(arrows.size());
+        for (const Arrow& arrow : arrows)
+            targets[index(--first[index(arrow.from)])] = arrow.to;
+    }
+    int begin(int vertex) const { return first[index(vertex)]; }
+    int end(int vertex) const { return first[index(vertex + 1)]; }
+    int target(int position) const { return targets[index(position)]; }
+
+private:
+    struct Arrow
+    {
+        int from;
+        int to;
+    };
+    static std::size_t index(int i) { return static_cast<std::size_t>(i); }
+
+    std::vector<Arrow> arrows;
+    std::vector<int> first;
+    std::vector<int> targets;
+};
+
+/// By vertex: the number of its strongly connected component; -1 where it is alone in it. Tarjan's
+/// algorithm, with the path on a list of its own.
+std::vector<int> circlesOf(const Arrows& arrows, int numVertices)
+{
+    const auto at = [](auto& list, int i) -> auto&
+    {
+        return list[static_cast<std::size_t>(i)];
+    };
+    struct Step
+    {
+        int vertex;
+        int next; // the arrow to follow next
+    };
+    const auto size = static_cast<std::size_t>(numVertices);
+    std::vector<int> found(size, -1);  // the order in which vertices are reached
+    std::vector<int> lowest(size, -1); // the first found that is reached from it and still pending
+    std::vector<int> circles(size, -1);
+    std::vector<bool> pending(size, false);
+    std::vector<int> stack;
+    std::vector<Step> path;
+    int numFound = 0;
+    int numCircles = 0;
+
+    const auto enter = [&](int vertex) {
+        at(found, vertex) = at(lowest, vertex) = numFound++;
+        stack.push_back(vertex);
+        pending[static_cast<std::size_t>(vertex)] = true;
+        path.push_back({vertex, arrows.begin(vertex)});
+    };
+    for (int start = 0; start < numVertices; ++start) {
+        if (at(found, start) < 0)
+            enter(start);
+        while (!path.empty()) {
+            const int vertex = path.back().vertex;
+            if (path.back().next < arrows.end(vertex)) {
+                const int next = arrows.target(path.back().next++);
+                if (at(found, next) < 0)
+                    enter(next);
+                else if (pending[static_cast<std::size_t>(next)])
+                    at(lowest, vertex) = std::min(at(lowest, vertex), at(found, next));
+                continue;
+            }
+            path.pop_back();
+            if (!path.empty()) {
+                int& above = at(lowest, path.back().vertex);
+                above = std::min(above, at(lowest, vertex));
+            }
+            if (at(lowest, vertex) != at(found, vertex))
+                continue;
+            const bool alone = stack.back() == vertex;
+            int member = -1;
+            do {
+                member = stack.back();
+                stack.pop_back();
+                pending[static_cast<std::size_t>(member)] = false;
+                if (!alone)
+                    at(circles, member) = numCircles;
+            } while (member != vertex);
+            ++numCircles;
+        }
+    }
+    return circles;
+}
+
+} // namespace
+
+EdgeCheck::EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates)
+    : snapshot(target)
+    , lastSearch(static_cast<std::size_t>(target.nodes.size()), 0)
+{
+    findCircles(candidates);
+}
+
+EdgeKind EdgeCheck::kindOf(const Snapshot& snapshot, int srcNode, int dstNode)
+{
+    const int srcParent = snapshot.node(srcNode).parent;
+    const int dstParent = snapshot.node(dstNode).parent;
+    if (srcParent == dstParent)
+        return EdgeKind::Regular;
+    if (srcNode == dstParent)
+        return EdgeKind::Down;
+    if (srcParent == dstNode)
+        return EdgeKind::Up;
+    return EdgeKind::None;
+}
+
+PortRef EdgeCheck::source(const EdgeRecord& edge, EdgeKind kind)
+{
+    return {edge.srcNode, edge.srcIndex, kind != EdgeKind::Down};
+}
+
+PortRef EdgeCheck::destination(const EdgeRecord& edge, EdgeKind kind)
+{
+    return {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up};
+}
+
+/// Each node has two vertices: its inputs, 2n, and its outputs, 2n + 1. An arrow leads to what a
+/// search upstream may reach next, by any of the edges there will ever be, and from each node's
+/// outputs to its inputs, whether it is a pass or a group. A search that begins at a node's inputs
+/// reaches no node whose outputs these arrows do not lead to. So an edge that the search refuses closes a
+/// circle of arrows.
+void EdgeCheck::findCircles(const QVector<EdgeRecord>& candidates)
+{
+    const int numNodes = snapshot.nodes.size();
+    const auto inputs = [](int node) { return 2 * node; };
+    const auto outputs = [](int node) { return 2 * node + 1; };
+    Arrows arrows(2 * numNodes);
+    for (int node = 0; node < numNodes; ++node)
+        arrows.add(outputs(node), inputs(node));
+    for (const EdgeRecord& edge : candidates) {
+        const int src = edge.srcNode;
+        const int dst = edge.dstNode;
+        if (src < 0 || src >= numNodes || dst < 0 || dst >= numNodes)
+            continue;
+        switch (kindOf(snapshot, src, dst)) {
+        case EdgeKind::Regular:
+            arrows.add(inputs(dst), outputs(src));
+            break;
+        case EdgeKind::Down:
+            arrows.add(inputs(dst), inputs(src));
+            break;
+        case EdgeKind::Up:
+            arrows.add(outputs(dst), outputs(src));
+            break;
+        case EdgeKind::None:
+            break;
+        }
+    }
+    arrows.sort();
+    circles = circlesOf(arrows, 2 * numNodes);
+}
+
+bool EdgeCheck::inOneCircle(int nodeA, int nodeB) const
+{
+    const int circle = circles[static_cast<std::size_t>(2 * nodeA)];
+    return circle >= 0 && circle == circles[static_cast<std::size_t>(2 * nodeB)];
+}
+
+/// As Graph::precedes() with followHierarchy. Remembers how it got there.
+bool EdgeCheck::precedes(int upstream, int downstream)
+{
+    ++searches;
+    reached.assign(1, {downstream, -1, -1});
+    lastSearch[static_cast<std::size_t>(downstream)] = searches;
+    if (upstream == downstream)
+        return true;
+    for (std::size_t next = 0; next < reached.size(); ++next) {
+        const int node = reached[next].node;
+        const int numInputs = snapshot.nodes.at(node).inputs.size();
+        for (int input = 0; input < numInputs; ++input) {
+            int source = node;
+            int port = input;
+            if (!snapshot.walkToSourceNode(source, port))
+                continue;
+            int& search = lastSearch[static_cast<std::size_t>(source)];
+            if (search == searches)
+                continue;
+            search = searches;
+            reached.push_back({source, static_cast<int>(next), input});
+            if (source == upstream)
+                return true;
+        }
+    }
+    return false;
+}
+
+QVector<PortRef> EdgeCheck::cycle() const
+{
+    QVector<PortRef> ports{source(refused, EdgeKind::Regular),
+                           destination(refused, EdgeKind::Regular)};
+    // From the refused edge's destination, found last, to its source, where the search began.
+    for (int step = static_cast<int>(reached.size()) - 1; step > 0;) {
+        const Step& hop = reached[static_cast<std::size_t>(step)];
+        step = hop.from;
+        int node = reached[static_cast<std::size_t>(step)].node;
+        PortRef port{node, hop.input, false};
+        QVector<PortRef> against{port};
+        while (port.node != hop.node || !port.isOutput) {
+            const PortRecord& record = port.isOutput ? snapshot.output(port.node, port.index)
+                                                     : snapshot.input(port.node, port.index);
+            const EdgeRecord& edge = snapshot.edge(record.source);
+            if (edge.removed)
+                break;
+            port = source(edge, kindOf(snapshot, edge.srcNode, edge.dstNode));
+            against.append(port);
+        }
+        // Down to what produces the value; a group on the way is left by its inside.
+        std::reverse(against.begin(), against.end());
+        ports += against;
+    }
+    return ports;
+}
+
+EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
+{
+    const EdgeKind kind = kindOf(snapshot, edge.srcNode, edge.dstNode);
+    if (kind == EdgeKind::None)
+        return NotRelated;
+    const auto ports = [this](const PortRef& ref) -> QVector<PortRecord>* {
+        if (ref.node < 0 || ref.node >= snapshot.nodes.size())
+            return nullptr;
+        NodeRecord& node = snapshot.nodes[ref.node];
+        QVector<PortRecord>& list = ref.isOutput ? node.outputs : node.inputs;
+        return ref.index >= 0 && ref.index < list.size() ? &list : nullptr;
+    };
+    QVector<PortRecord>* const left = ports(source(edge, kind));
+    QVector<PortRecord>* const entered = ports(destination(edge, kind));
+    if (!left || !entered)
+        return NoSuchPort;
+    if (entered->at(edge.dstIndex).source >= 0)
+        return AlreadyFed;
+    if (kind == EdgeKind::Regular) {
+        const QVector<int>& leaving = left->at(edge.srcIndex).destinations;
+        if (!leaving.isEmpty() && snapshot.kindOf(leaving.first()) != EdgeKind::Regular)
+            return LeavesGroup;
+        if (inOneCircle(edge.srcNode, edge.dstNode) && precedes(edge.dstNode, edge.srcNode)) {
+            refused = edge;
+            return Cycle;
+        }
+    }
+
+    const int ref = snapshot.edges.size();
+    snapshot.edges.append(edge);
+    snapshot.edges[ref].removed = false;
+    (*left)[edge.srcIndex].destinations.append(ref);
+    (*entered)[edge.dstIndex].source = ref;
+    return Accepted;
+}
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin

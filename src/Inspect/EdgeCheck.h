@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_INSPECT_EDGECHECK_H
+#define KESTRIN_ORV_INSPECT_EDGECHECK_H
+
+#include <Kestrin/Orv/Inspect/Paths.h>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
+
+#include <vector>
+
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+
+/// Adds edges to a snapshot by the rules of Graph::addEdge(), addUpEdge() and addDownEdge(), which
+/// one follows from the nodes at its ends.
+///
+/// The graph searches everything upstream for each edge. Here that is done only where it may find
+/// something: a relation that holds more than the graph's own is looked through for circles once,
+/// and edges outside of them close none.
+class EdgeCheck
+{
+public:
+    enum Verdict { Accepted, NoSuchPort, NotRelated, AlreadyFed, LeavesGroup, Cycle };
+
+    /// \param target has sound nodes, and no edges yet. Stays where it is while this is used.
+    /// \param candidates all edges that add() will be asked about.
+    EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates);
+
+    /// Adds an edge unless a rule forbids it.
+    Verdict add(const EdgeRecord& edge);
+
+    /// The kind that an edge between two nodes has.
+    static EdgeKind kindOf(const Snapshot& snapshot, int srcNode, int dstNode);
+    /// The ports at its ends.
+    static PortRef source(const EdgeRecord& edge, EdgeKind kind);
+    static PortRef destination(const EdgeRecord& edge, EdgeKind kind);
+
+    /// The ports of the whole circle that the edge just refused would close, along the flow, from that
+    /// edge's source to its source.
+    QVector<PortRef> cycle() const;
+
+private:
+    void findCircles(const QVector<EdgeRecord>& candidates);
+    bool inOneCircle(int nodeA, int nodeB) const;
+    bool precedes(int upstream, int downstream);
+
+    Snapshot& snapshot;
+    std::vector<int> circles; // by node: the circle of its inputs; -1 for none
+
+    // The last search: which nodes it has reached, and through which input of which.
+    struct Step
+    {
+        int node;
+        int from;  // position in `reached`
+        int input; // of the node there
+    };
+    std::vector<Step> reached;
+    std::vector<int> lastSearch; // by node
+    int searches = 0;
+    EdgeRecord refused;
+};
+
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
+#endif
