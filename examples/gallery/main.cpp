@@ -116,8 +116,7 @@ bool render(const Options& options, GalleryGraph& graph, Inspect::Trace* trace, 
 {
     Model model;
     GlContext context;
-    if (!makeFolder(options.outDirectory, error) || !model.load(options.model, error)
-        || !context.create(error))
+    if (!model.load(options.model, error) || !context.create(error))
         return false;
     const Scene scene(std::move(model));
     FrameLoop loop(options, graph, scene, out, trace);
@@ -153,6 +152,9 @@ bool run(Options options, QTextStream& out, QString& error)
         return false;
     if (!choosePasses(options, graph, error))
         return false;
+    const bool isRendered = !options.list && options.graphvizFile.isEmpty();
+    if (isRendered && !makeFolder(options.outDirectory, error)) // other files may go there too
+        return false;
     if (!options.savedGraphFile.isEmpty()
         && !writeGraph(graph.snapshot(), options.savedGraphFile, error))
         return false;
@@ -163,7 +165,7 @@ bool run(Options options, QTextStream& out, QString& error)
         for (const QString& line : lines)
             out << line << '\n';
     }
-    if (options.list || !options.graphvizFile.isEmpty())
+    if (!isRendered)
         return true;
 
     const QString uncounted = graph.uncountedReader();

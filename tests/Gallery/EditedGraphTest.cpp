@@ -66,7 +66,8 @@ protected:
                                           + QStringList{save(document)} + words("--out")
                                           + QStringList{folder(QStringLiteral("out"))} + options);
         EXPECT_EQ(run.exitCode, 1);
-        EXPECT_EQ(run.err, QStringLiteral("gallery: ") + message + QLatin1Char('\n'));
+        EXPECT_STREQ(qPrintable(run.err),
+                     qPrintable(QStringLiteral("gallery: ") + message + QLatin1Char('\n')));
     }
 };
 
