@@ -27,6 +27,8 @@ SUBJECTS = {
     "rebuilt": "functions sorted each frame",
     "frame": "one frame",
     "plain": "plain frame",
+    "byHand": "clock read by hand",
+    "direct": "direct call",
     "map": "std::mutex and std::map",
     "prometheus": "prometheus-cpp",
     "mmap": "mmap and munmap",
@@ -55,6 +57,10 @@ TOPICS = {
     "staggered": ("Staggered first frame", "A chain of passes under the staggered first frame."),
     "histogram": ("Frame-time histogram", "The size is the number of buckets in use. prometheus-cpp "
                   "has its 2001 buckets from the start and never empties itself."),
+    "trace": ("Traces", "A chain of passes behind `TracedPass`, beside the same frame without it and "
+              "beside passes that read the clock before and after each of `beginFrame`, `start` and "
+              "`endFrame` and append a record. A recorded call reads the clock twice; a counted "
+              "one does not."),
     "mapping": ("Mapped ranges", "Mapping a range of a file, reading its first and its last byte, "
                 "and unmapping it. The size is in KiB. Boost.Iostreams opens the file each time."),
 }
@@ -73,6 +79,7 @@ TARGETS = [
     ("a staggered frame, all up", r"staggered/frame", "plain", 1.1, "<="),
     ("`setup`", r"setup/", "frame", 1.5, "<="),
     ("histogram", r"histogram/", "map", 1.1, "<="),
+    ("a recorded call", r"trace/recorded call/", "byHand", 1.5, "<="),
     ("mapped ranges", r"mapping/", "mmap", 1.1, "<="),
     ("`purge`", r"removal/purge/", "read", 1.2, "<="),
 ]

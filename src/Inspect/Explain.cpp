@@ -279,7 +279,7 @@ NodeExplanation Explainer::node(int ref) const
         explanation.state = NodeExplanation::Scheduled;
     } else if (record.removed) {
         explanation.state = NodeExplanation::Removed;
-    } else if (!record.pass) {
+    } else if (!record.pass || ref == kRoot) {
         explanation.state = NodeExplanation::Group;
     } else if (explanation.needed) {
         explanation.state = NodeExplanation::Disabled;

@@ -3,13 +3,12 @@
 
 #include <Kestrin/Orv/Inspect/Lint.h>
 
-#include "LookUp.h"
+#include "PortNumbers.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QStringList>
 
 #include <algorithm>
-#include <vector>
 
 namespace Kestrin {
 namespace Orv {
@@ -102,64 +101,6 @@ struct Source
     int edge = -1;      // the edge between siblings
     int downs = 0;      // up edges followed back, into groups
 };
-
-/// Numbers all ports of a snapshot from 0, so that a plain list can say something of each.
-class PortNumbers
-{
-public:
-    explicit PortNumbers(const Snapshot& shown)
-        : snapshot(shown)
-    {
-        firsts.reserve(static_cast<std::size_t>(snapshot.nodes.size()) + 1);
-        for (const NodeRecord& node : snapshot.nodes) {
-            firsts.push_back(count);
-            count += node.inputs.size() + node.outputs.size();
-        }
-        firsts.push_back(count);
-    }
-
-    int size() const { return count; }
-
-    /// -1 for a port that does not exist.
-    int input(int node, int index) const
-    {
-        const NodeRecord& record = snapshot.node(node);
-        return index >= 0 && index < record.inputs.size() ? first(node) + index : -1;
-    }
-    int output(int node, int index) const
-    {
-        const NodeRecord& record = snapshot.node(node);
-        return index >= 0 && index < record.outputs.size()
-            ? first(node) + record.inputs.size() + index
-            : -1;
-    }
-
-private:
-    int first(int node) const { return firsts[static_cast<std::size_t>(node)]; }
-
-    const Snapshot& snapshot;
-    std::vector<int> firsts; // by node
-    int count = 0;
-};
-
-template<typename T>
-using Table = std::vector<T>;
-
-template<typename T>
-T& at(Table<T>& table, int index)
-{
-    return table[static_cast<std::size_t>(index)];
-}
-template<typename T>
-const T& at(const Table<T>& table, int index)
-{
-    return table[static_cast<std::size_t>(index)];
-}
-template<typename T>
-Table<T> tableOf(int size, const T& value)
-{
-    return Table<T>(static_cast<std::size_t>(size), value);
-}
 
 /// How values flow: for each port, where the walks of the snapshot lead. Each edge is followed once,
 /// however many ports lie behind it.

@@ -218,6 +218,7 @@ private:
                        const QVector<TraceEvent>& events);
     void writeBars(const TraceEvent& frame, const QVector<Bar>& bars);
 
+    void findNeeders();
     QByteArray reason(int ref) const;
     const char* state(int ref) const;
 
@@ -226,6 +227,7 @@ private:
     const Paths paths;
     const Schedule schedule;
     QVector<bool> hasFailed;
+    QVector<int> neededBy; // by node ref: the renderer's output that led to it; -1 for the target
     QVector<TraceEvent> wholeFrames; // in their order
     QVector<TraceEvent> events;
     TraceSummary frameTimes;
@@ -242,6 +244,7 @@ Page::Page(const ReportContent& shown)
     , schedule(predictSchedule(snapshot))
     , hasFailed(snapshot.nodes.size(), false)
 {
+    findNeeders();
     for (const int ref : content.failed) {
         if (ref >= 0 && ref < hasFailed.size())
             hasFailed[ref] = true;
@@ -266,6 +269,31 @@ Page::Page(const ReportContent& shown)
     }
 }
 
+void Page::findNeeders()
+{
+    const int unknown = -2;
+    neededBy.fill(unknown, snapshot.nodes.size());
+    QVector<int> way;
+    for (int ref = 0; ref < neededBy.size(); ++ref) {
+        // Back to where the way began, or to where it is known already.
+        int needer = ref;
+        int output = -1;
+        while (needer > 0 && neededBy.at(needer) == unknown) {
+            neededBy[needer] = -1;
+            way.append(needer);
+            const PortRef by = lookUp(schedule.reachedBy, needer);
+            if (by.node == 0)
+                output = by.index;
+            needer = by.node;
+        }
+        if (needer > 0)
+            output = neededBy.at(needer);
+        for (const int node : qAsConst(way))
+            neededBy[node] = output;
+        way.clear();
+    }
+}
+
 const char* Page::state(int ref) const
 {
     if (hasFailed.at(ref))
@@ -279,18 +307,19 @@ const char* Page::state(int ref) const
 QByteArray Page::reason(int ref) const
 {
     const PortRef by = lookUp(schedule.reachedBy, ref);
-    QByteArray text;
     if (!schedule.needed.value(ref, false))
         return "No output of the renderer and no target leads to it.";
     if (by.node < 0)
-        text = "It is the target.";
-    else if (by.node == 0)
-        text = "The renderer's output " + escapedMarkup(paths.port(by)) + " needs it.";
-    else
-        text = "It feeds " + escapedMarkup(paths.port(by)) + ".";
-    if (schedule.positions.value(ref, -1) < 0)
-        text += " While it is disabled, defaults are taken in its place.";
-    return text;
+        return "It is the target.";
+    const int output = lookUp(neededBy, ref);
+    const QByteArray needer = output >= 0
+        ? "the renderer's output " + escapedMarkup(paths.output(0, output))
+        : "the target " + escapedMarkup(paths.node(snapshot.target));
+    const bool runs = schedule.positions.value(ref, -1) >= 0;
+    QByteArray text = (runs ? "Needed by " : "Wanted by ") + needer;
+    if (by.node != 0)
+        text += ", feeds " + escapedMarkup(paths.port(by));
+    return text + (runs ? "." : "; defaults are taken in its place.");
 }
 
 void Page::writeHead()
@@ -354,9 +383,7 @@ void Page::writePicture()
     if (drawn.isEmpty()) {
         out += "<p>The graph as text for Graphviz, whose <code>dot -Tsvg</code> draws it.</p>\n"
                "<pre class=\"scroll\" tabindex=\"0\" role=\"region\" "
-               "aria-label=\"Text for Graphviz, scrollable\">"
-            + escapedMarkup(QString()) // keeps the line breaks below as they are
-            + QByteArray();
+               "aria-label=\"Text for Graphviz, scrollable\">";
         const QList<QByteArray> lines = toGraphviz(snapshot, content.failed).split('\n');
         for (const QByteArray& line : lines)
             out += escapedMarkup(QString::fromUtf8(line)) + "\n";
@@ -418,12 +445,12 @@ void Page::writePass(int ref)
         : position >= 0                       ? "runs"
         : node.enabled                        ? "not needed"
                                               : "disabled";
-    out += "<tr role=\"row\"><td role=\"cell\" class=\"n\""
+    out += "<tr role=\"row\"><td role=\"cell\" class=\"n place\""
         + (position < 0 ? QByteArray(">") : " data-label=\"position\">" + count(position + 1))
         + "</td><th role=\"rowheader\" scope=\"row\">" + escapedMarkup(path)
-        + "</th><td role=\"cell\"" + (node.type.isEmpty() ? ">" : " data-label=\"type\">")
-        + escapedMarkup(node.type) + "</td><td role=\"cell\"><span class=\"state " + drawn + "\">"
-        + word + "</span> <span class=\"reason\">" + reason(ref) + "</span></td>";
+        + "</th><td role=\"cell\" class=\"type\">" + escapedMarkup(node.type)
+        + "</td><td role=\"cell\" class=\"why\"><span class=\"state " + drawn + "\">" + word
+        + "</span> <span class=\"reason\">" + reason(ref) + "</span></td>";
     const auto times = timesOf.constFind(path);
     writeTimes(times == timesOf.constEnd() ? nullptr : &passTimes.at(*times));
     out += "</tr>\n";
@@ -434,7 +461,8 @@ void Page::writeUnknownPass(const TraceSummary& times)
 {
     out += "<tr role=\"row\"><td role=\"cell\"></td><th role=\"rowheader\" scope=\"row\">"
         + escapedMarkup(times.name)
-        + "</th><td role=\"cell\"></td><td role=\"cell\"><span class=\"reason\">Not in this graph."
+        + "</th><td role=\"cell\"></td><td role=\"cell\" class=\"why\"><span class=\"reason\">Not "
+          "in this graph."
           "</span></td>";
     writeTimes(&times);
     out += "</tr>\n";
@@ -494,7 +522,7 @@ Bins::Bins(const QVector<qint64>& sorted)
         return static_cast<double>(sorted.at(static_cast<int>(part * (sorted.size() - 1))));
     };
     const double longest = at(1);
-    const double to = qMin(longest, qMax(at(0.95), 3 * at(0.5)));
+    const double to = qMin(longest, qMax(at(0.98), at(0.75) + 4 * (at(0.75) - at(0.25))));
     hasRest = to < longest;
     step = roundedUp(qMax((to - at(0)) / most, qMax(to / 1000, 1.0)));
     from = std::floor(at(0) / step) * step;
@@ -535,31 +563,34 @@ void Page::writeHistogram(const QVector<qint64>& times)
         const int frames = bins.counts.at(bin);
         if (frames == 0)
             continue;
-        out += "<rect class=\"bar\" x=\"" + percent(bin / numBins) + "\" width=\""
-            + percent(1 / numBins) + "\" y=\"" + y(frames) + "\" height=\""
-            + number(bottom - y(frames).toDouble()) + "\"><title>" + range(bin) + ": "
-            + count(frames) + "</title></rect>\n";
+        const bool isRest = bins.hasRest && bin == bins.counts.size() - 1;
+        out += QByteArray("<rect class=\"bar") + (isRest ? " rest" : "") + "\" x=\""
+            + percent(bin / numBins) + "\" width=\"" + percent(1 / numBins) + "\" y=\"" + y(frames)
+            + "\" height=\"" + number(bottom - y(frames).toDouble()) + "\"><title>" + range(bin)
+            + ": " + count(frames) + "</title></rect>\n";
     }
     const double to = bins.from + numBins * bins.step;
+    // Each on its own line; the median's text to the left of its mark, the other's to the right.
     const auto mark = [&](const char* kind, const QByteArray& name, qint64 time, int at) {
         const double part =
             qBound(0.0, (static_cast<double>(time) - bins.from) / (to - bins.from), 1.0);
+        const bool isLeft = part > (*kind == '\0' ? 0.35 : 0.65);
         out += QByteArray("<line class=\"mark ") + kind + "\" x1=\"" + percent(part) + "\" x2=\""
-            + percent(part) + "\" y1=\"" + count(at + 4) + "\" y2=\"204\"/><text x=\""
-            + percent(part) + "\" y=\"" + count(at) + "\" text-anchor=\""
-            + (part > 0.7       ? "end"
-                   : part < 0.3 ? "start"
-                                : "middle")
+            + percent(part) + "\" y1=\"" + count(at - 10)
+            + "\" y2=\"204\"/><text class=\"halo\" x=\"" + percent(part) + "\" y=\"" + count(at)
+            + "\" dx=\"" + (isLeft ? "-5" : "5") + "\" text-anchor=\"" + (isLeft ? "end" : "start")
             + "\">" + name + " " + timeText(static_cast<double>(time)) + "</text>\n";
     };
     mark("", "median", frameTimes.median, 12);
     mark("far", "99 % within", frameTimes.percentile99, 27);
     out += "<line class=\"axis\" x1=\"0\" x2=\"100%\" y1=\"204\" y2=\"204\"/>\n";
     const int labelStep = qMax(1, static_cast<int>(std::ceil(numBins / 4)));
-    for (int bin = 0; bin < bins.counts.size(); bin += labelStep) {
+    for (int bin = 0; bin < bins.counts.size() - labelStep / 2; bin += labelStep) {
         out += "<text class=\"quiet\" x=\"" + percent(bin / numBins) + "\" y=\"220\">"
             + timeText(bins.from + bin * bins.step) + "</text>\n";
     }
+    if (bins.hasRest)
+        out += "<text class=\"quiet\" x=\"100%\" y=\"220\" text-anchor=\"end\">longer</text>\n";
     out += "<text class=\"quiet\" x=\"100%\" y=\"240\" text-anchor=\"end\">time of a frame</text>\n"
            "<text class=\"quiet\" x=\"0\" y=\"12\">frames</text>\n</svg>\n"
            "<details><summary>As a table</summary>\n<table>\n<thead><tr><th scope=\"col\">Time</th>"

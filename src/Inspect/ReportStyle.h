@@ -69,7 +69,7 @@ th, td { text-align: left; vertical-align: top; padding: .45rem .75rem;
   border-top: 1px solid var(--line); }
 thead th { border-top: 0; background: var(--card); font-size: .82rem; color: var(--soft);
   white-space: nowrap; }
-th[scope=row] { font-weight: 600; overflow-wrap: anywhere; }
+th[scope=row] { font-weight: 600; overflow-wrap: anywhere; min-width: 9rem; }
 .n { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums; }
 td.share { background: linear-gradient(to right, var(--share) var(--part), transparent var(--part)); }
 .state { display: inline-block; padding: 0 .5rem; border-radius: .5rem; border: 2px solid;
@@ -82,9 +82,11 @@ td.share { background: linear-gradient(to right, var(--share) var(--part), trans
 .chart { display: block; width: 100%; overflow: visible; font-size: 12px; }
 .chart text { fill: var(--text); font-variant-numeric: tabular-nums; }
 .chart .quiet { fill: var(--soft); }
+.chart .halo { paint-order: stroke; stroke: var(--card); stroke-width: 4px; }
 .chart .grid { stroke: var(--line); stroke-width: 1; }
 .chart .axis { stroke: var(--soft); stroke-width: 1; }
 .chart .bar { fill: var(--run); stroke: var(--page); stroke-width: 1; }
+.chart .rest { fill: var(--off); }
 .chart .call { fill: var(--run); stroke: var(--run); stroke-width: .75; }
 .chart .waited { stroke: var(--run); stroke-width: .75; }
 .chart .bad { fill: var(--bad); }
@@ -94,6 +96,7 @@ td.share { background: linear-gradient(to right, var(--share) var(--part), trans
 figure { margin: 0; background: var(--card); border: 1px solid var(--line); border-radius: .6rem;
   padding: 1rem; }
 .timeline .track { fill: var(--page); }
+figure > :last-child { margin-bottom: 0; }
 figcaption { color: var(--soft); font-size: .9rem; margin-bottom: .6rem; }
 details { margin: .6rem 0; }
 summary { cursor: pointer; padding: .3rem 0; color: var(--run); width: fit-content; }
@@ -106,14 +109,21 @@ summary { cursor: pointer; padding: .3rem 0; color: var(--run); width: fit-conte
   .facts { grid-template-columns: 1fr 1fr; }
   .zoom label { padding: .45rem .9rem; }
   figure { padding: .75rem; }
-  .cards, .cards tbody, .cards tr, .cards td, .cards th[scope=row] { display: block; }
+  .cards, .cards tbody, .cards td, .cards th[scope=row] { display: block; }
   .cards thead { position: absolute; clip-path: inset(50%); width: 1px; height: 1px;
     overflow: hidden; }
   .cards tr { padding: .6rem .8rem; border-top: 1px solid var(--line); }
   .cards tbody tr:first-child { border-top: 0; }
-  .cards td, .cards th[scope=row] { border: 0; padding: .1rem 0; }
-  .cards td[data-label] { display: flex; justify-content: space-between; gap: 1rem; }
-  .cards td[data-label]::before { content: attr(data-label); color: var(--soft); }
+  .cards tr { display: grid; grid-template-columns: repeat(4, 1fr); gap: .1rem .5rem; }
+  .cards td, .cards th[scope=row] { border: 0; padding: .1rem 0; grid-column: 1 / -1; }
+  .cards th[scope=row] { grid-row: 1; grid-column: 1 / 4; }
+  .cards .place { grid-row: 1; grid-column: 4; color: var(--soft); }
+  .cards .type { color: var(--soft); font-size: .85rem; }
+  .cards td[data-label]:not(.place) { grid-column: auto; text-align: left; margin-top: .3rem; }
+  .cards td[data-label]:not(.place)::before { content: attr(data-label); display: block;
+    color: var(--soft); font-size: .75rem; }
+  .cards .place[data-label]::before { content: attr(data-label) "\a0"; }
+  .cards td.share { background: none; }
   .cards td:empty { display: none; }
 }
 @media print { .scroll { overflow: visible; max-height: none; border: 0; } nav, .zoom label { display: none; } }

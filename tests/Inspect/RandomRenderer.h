@@ -5,6 +5,8 @@
 #define ORV_TESTS_RANDOMRENDERER_H
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Paths.h>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
@@ -82,8 +84,9 @@ struct RandomRenderer
         Odd     ///< whatever the graph's calls allow
     };
 
-    explicit RandomRenderer(unsigned seed, Kind kind)
-        : random(seed)
+    RandomRenderer(unsigned seed, Kind howMade)
+        : kind(howMade)
+        , random(seed)
     {
         const int scale = 2 + below(12);
         for (int i = 0; i < below(3); ++i)
@@ -121,6 +124,7 @@ struct RandomRenderer
         return static_cast<const SpyPass*>(renderer.renderPass(node));
     }
 
+    const Kind kind;
     std::vector<SetupCall> log;
     Kestrin::Orv::Renderer renderer;
     Kestrin::Orv::Graph& graph = *renderer.getGraph();
@@ -228,5 +232,54 @@ private:
         }
     }
 };
+
+/// A snapshot filled with refs and indices that lie anywhere, most of them just in or just beside the
+/// tables.
+inline Kestrin::Orv::Inspect::Snapshot randomTables(unsigned seed)
+{
+    using namespace Kestrin::Orv::Inspect;
+    std::mt19937 random(seed);
+    const auto below = [&random](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
+    };
+    const int numNodes = below(8);
+    const int numEdges = below(12);
+    const auto ref = [&](int count) {
+        return below(40) == 0 ? static_cast<int>(random()) : below(count + 2) - 1;
+    };
+    const auto ports = [&] {
+        QVector<PortRecord> list(below(4));
+        for (PortRecord& port : list) {
+            port.source = ref(numEdges);
+            port.destinations.resize(below(4));
+            for (int& destination : port.destinations)
+                destination = ref(numEdges);
+            port.defaultValue = below(9);
+        }
+        return list;
+    };
+
+    Snapshot snapshot;
+    snapshot.nodes.resize(numNodes);
+    for (NodeRecord& node : snapshot.nodes) {
+        node.parent = ref(numNodes);
+        node.value = ref(4);
+        node.removed = below(5) == 0;
+        node.pass = below(3) != 0;
+        node.enabled = below(4) != 0;
+        node.inputs = ports();
+        node.outputs = ports();
+        node.children.resize(below(4));
+        for (int& child : node.children)
+            child = ref(numNodes);
+    }
+    snapshot.edges.resize(numEdges);
+    for (EdgeRecord& edge : snapshot.edges)
+        edge = {ref(numNodes), ref(3), ref(numNodes), ref(3), below(6) == 0};
+    snapshot.parameters.resize(below(3));
+    snapshot.numOutputs = ref(3);
+    snapshot.target = ref(numNodes);
+    return snapshot;
+}
 
 #endif

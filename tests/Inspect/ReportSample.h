@@ -49,7 +49,7 @@ public:
                 graph.addEdge(edge.srcNode, edge.srcIndex, edge.dstNode, edge.dstIndex);
         }
         trace.namePasses(renderer);
-        renderer.setup(nullptr);
+        renderer.render(nullptr); // the one frame that sets all up
         trace.clear();
     }
 
@@ -84,6 +84,7 @@ private:
             , run(owner)
             , time(150000 + 70000 * ((node.value * 5) % 11))
             , waits(node.value % 3 == 2)
+            , noise(static_cast<quint32>(node.value) * 2654435761U + 12345U)
         {
             for (const Kestrin::Orv::Inspect::PortRecord& port : node.inputs)
                 addInput(port.name, port.defaultValue);
@@ -93,8 +94,8 @@ private:
         void start(Kestrin::Orv::RenderCallbacks*) override
         {
             noise = noise * 1664525 + 1013904223;
-            const bool isSlow = noise % 97 == 0;
-            run.now += time + (noise >> 8) % 120000 + (isSlow ? 4000000 : 0);
+            const bool isSlow = (noise >> 12) % 89 == 0;
+            run.now += time + (noise >> 8) % 120000 + (isSlow ? 1500000 : 0);
             remaining = waits ? 2 : 0;
             setErrorCode(failure);
         }
@@ -116,7 +117,7 @@ private:
         qint64 time;
         bool waits;
         mutable int remaining = 0;
-        quint32 noise = 12345;
+        quint32 noise;
     };
 
     Worker& worker(int node)
@@ -138,7 +139,8 @@ private:
         passes[ref] =
             new Kestrin::Orv::Inspect::TracedPass(trace, node.name, new Worker(*this, node));
         const int added = renderer.addPass(node.name, passes[ref], node.parent);
-        renderer.setEnabled(added, node.enabled);
+        if (!node.enabled)
+            renderer.setEnabled(added, false);
     }
 };
 

@@ -1,0 +1,28 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#ifndef KESTRIN_ORV_PROGRAM_DOTPROGRAM_H
+#define KESTRIN_ORV_PROGRAM_DOTPROGRAM_H
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace Kestrin::Orv::Program {
+
+/// Graphviz's program dot. Throws a Failure where it does not do what it should.
+class DotProgram
+{
+public:
+    /// Looks for it in PATH.
+    DotProgram();
+    bool isInstalled() const { return !program.isEmpty(); }
+    /// Draws a text in a format such as "svg".
+    QByteArray draw(const QByteArray& text, const QString& format, int timeoutSeconds) const;
+
+private:
+    QString program;
+};
+
+} // namespace Kestrin::Orv::Program
+
+#endif

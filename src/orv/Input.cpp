@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include "Input.h"
+
+#include "Trouble.h"
+
+#include <QtCore/QFile>
+
+#include <unistd.h>
+
+namespace Kestrin::Orv::Program {
+
+Document readInput(const QString& file)
+{
+    const QString name = shownName(file);
+    QFile source(file);
+    const bool isOpen = file == QLatin1String("-")
+        ? source.open(STDIN_FILENO, QIODevice::ReadOnly, QFileDevice::DontCloseHandle)
+        : source.open(QIODevice::ReadOnly);
+    const QByteArray bytes = isOpen ? source.readAll() : QByteArray();
+    if (source.error() != QFileDevice::NoError)
+        throw BadInput(name, "unreadable", source.errorString());
+
+    const Inspect::ReadResult result = Inspect::readDocument(bytes);
+    if (!result.problems.isEmpty())
+        throw BadInput(name, result.problems);
+    return {name, result.snapshot, result.places};
+}
+
+} // namespace Kestrin::Orv::Program

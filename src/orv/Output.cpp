@@ -1,0 +1,58 @@
+// SPDX-FileCopyrightText: The OrvCore authors
+// SPDX-License-Identifier: MIT
+
+#include "Output.h"
+
+#include "Trouble.h"
+
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSaveFile>
+
+#include <cerrno>
+
+#include <unistd.h>
+
+namespace Kestrin::Orv::Program {
+
+void Output::write(const QByteArray& bytes)
+{
+    const int pieceSize = 1 << 16;
+    kept += bytes;
+    if (kept.size() >= pieceSize)
+        flush();
+}
+
+void Output::write(const QString& text)
+{
+    write(text.toUtf8());
+}
+
+void Output::write(const QJsonObject& object)
+{
+    write(QJsonDocument(object).toJson());
+}
+
+void Output::flush()
+{
+    const QByteArray bytes = kept;
+    kept.clear();
+    for (int written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(STDOUT_FILENO, bytes.constData() + written,
+                                      static_cast<std::size_t>(bytes.size() - written));
+        if (count >= 0)
+            written += static_cast<int>(count);
+        else if (errno != EINTR)
+            throw Failure(QLatin1String("cannot write standard output: ") + qt_error_string(errno));
+    }
+}
+
+void saveFile(const QString& file, const QByteArray& bytes)
+{
+    QSaveFile saved(file);
+    if (!saved.open(QIODevice::WriteOnly) || saved.write(bytes) != bytes.size() || !saved.commit())
+        throw Failure(QLatin1String("cannot write ") + file + QLatin1String(": ")
+                      + saved.errorString());
+}
+
+} // namespace Kestrin::Orv::Program

@@ -1,0 +1,58 @@
+# SPDX-FileCopyrightText: The OrvCore authors
+# SPDX-License-Identifier: MIT
+#
+# Completion of orv for bash. Commands and options are those that the program itself tells.
+
+# The paths of the passes in a document.
+_orv_passes()
+{
+    [ -f "$1" ] && orv explain -- "$1" 2>/dev/null | cut -f 2
+}
+
+# The document on the command line: its first word that is a file.
+_orv_document()
+{
+    local word
+    for word in "${COMP_WORDS[@]:2:COMP_CWORD-2}" "${COMP_WORDS[@]:COMP_CWORD+1}"; do
+        [ -f "$word" ] && printf '%s\n' "$word" && return
+    done
+}
+
+_orv()
+{
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]} name
+    COMPREPLY=()
+
+    if [ "$COMP_CWORD" -eq 1 ] || { [ "$COMP_CWORD" -eq 2 ] && [ "$command" = help ]; }; then
+        mapfile -t COMPREPLY < <(compgen -W \
+            "help --help --version $(orv help | sed -n 's/^  \([a-z]*\)  .*/\1/p')" -- "$current")
+        return
+    fi
+
+    case $previous in
+    --slow | --fail | --disable)
+        while IFS= read -r name; do
+            [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")
+        done < <(_orv_passes "$(_orv_document)")
+        [ "$previous" = --disable ] || compopt -o nospace
+        return
+        ;;
+    --frames | --timeout | --parameter)
+        return
+        ;;
+    esac
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W \
+            "$(orv help "$command" 2>/dev/null | sed -n 's/^  [- ].*\(--[a-z]*\).*/\1/p')" -- "$current")
+    elif [ "$command" = explain ] && [ "$COMP_CWORD" -gt 2 ]; then
+        while IFS= read -r name; do
+            [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")
+        done < <(_orv_passes "$(_orv_document)")
+    else
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+
+complete -F _orv orv

@@ -1,0 +1,28 @@
+A report on standard output, or in a file:
+
+  $ orv report scene.json | head -1
+  $ orv report -o report.html scene.json && head -1 report.html
+  $ orv report -o report.html --json scene.json
+  $ orv report --json scene.json | head -c 32
+
+The same without frames are the same bytes:
+
+  $ orv report --frames 0 scene.json >1.html; orv report --frames 0 scene.json | cmp - 1.html
+
+Passes that have failed are shown:
+
+  $ orv report --frames 1 --fail Tone=7 scene.json >failed.html; cmp -s failed.html 1.html
+
+Without Graphviz, there is a report all the same:
+
+  $ PATH=$BIN orv report -o plain.html scene.json; grep -c '<svg' plain.html
+  $ orv report -o drawn.html scene.json; grep -c 'digraph' drawn.html
+
+When Graphviz fails, that is told:
+
+  $ mkdir fake; echo '#!/bin/sh
+  > exit 3' >fake/dot; chmod +x fake/dot; PATH=$BIN:fake:/bin orv report -o failed.html scene.json
+
+A file that cannot be written:
+
+  $ orv report -o missing/report.html scene.json
