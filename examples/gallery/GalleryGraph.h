@@ -72,7 +72,7 @@ private:
     Node add(const char* type, const QString& name, Node parent);
     void addOcclusion();
     void addBloom();
-    Node addPyramid(Node bloom);
+    Node addPyramid(Node parent);
     void wire();
 
     Inspect::Trace* trace;

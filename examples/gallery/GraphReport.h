@@ -29,14 +29,14 @@ struct Options;
 QStringList messagesOf(const std::function<void()>& action);
 
 /// One line per pass in the order of execution: number, groups and name.
-QStringList executionList(GalleryGraph& graph);
+QStringList executionList(GalleryGraph& gallery);
 
 /// @name Writing files
 /// They return false, with the reason in `error`, when the file cannot be written.
 /// @{
 
 /// The graph's top level for Graphviz.
-bool writeGraphviz(GalleryGraph& graph, const QString& file, QString& error);
+bool writeGraphviz(GalleryGraph& gallery, const QString& file, QString& error);
 /// The graph as a document.
 bool writeGraph(const Kestrin::Orv::Inspect::Snapshot& snapshot, const QString& file,
                 QString& error);

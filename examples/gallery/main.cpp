@@ -144,8 +144,9 @@ bool run(Options options, QTextStream& out, QString& error)
     }
     if (!options.resources.isEmpty())
         Kestrin::Orv::setResourcesPath(options.resources);
-    Inspect::Trace trace;
-    GalleryGraph graph(options.isTraced() ? &trace : nullptr);
+    Inspect::Trace recorded;
+    Inspect::Trace* const trace = options.isTraced() ? &recorded : nullptr;
+    GalleryGraph graph(trace);
     if (options.graphFile.isEmpty())
         graph.build();
     else if (!readGraph(options.graphFile, graph, error))
@@ -173,7 +174,7 @@ bool run(Options options, QTextStream& out, QString& error)
         out << "every output gets a texture of its own: " << uncounted << '\n';
         options.reuseTextures = false;
     }
-    return render(options, graph, options.isTraced() ? &trace : nullptr, out, error);
+    return render(options, graph, trace, out, error);
 }
 
 } // namespace
