@@ -41,23 +41,37 @@ QByteArray percent(double part)
     return number(100 * part) + "%";
 }
 
-/// A time in the unit that suits it, with three digits.
+struct Unit
+{
+    double size;
+    const char* name;
+};
+
+/// The unit that suits a time.
+const Unit& unitOf(double ns)
+{
+    static const Unit units[] = {{1e9, " s"}, {1e6, " ms"}, {1e3, " \xC2\xB5s"}, {1, " ns"}};
+    for (const Unit& unit : units) {
+        if (ns >= 0.9995 * unit.size)
+            return unit;
+    }
+    return units[3];
+}
+
+/// A time with three digits.
 QByteArray timeText(double ns)
 {
-    struct Unit
-    {
-        double size;
-        const char* name;
-    };
-    const Unit units[] = {{1e9, " s"}, {1e6, " ms"}, {1e3, " \xC2\xB5s"}};
-    for (const Unit& unit : units) {
-        if (ns < 0.9995 * unit.size)
-            continue;
-        const double value = ns / unit.size;
-        const int decimals = value < 9.995 ? 2 : value < 99.95 ? 1 : 0;
-        return QByteArray::number(value, 'f', decimals) + unit.name;
-    }
-    return QByteArray::number(ns, 'f', 0) + " ns";
+    const Unit& unit = unitOf(ns);
+    const double value = ns / unit.size;
+    const int decimals = unit.size == 1 ? 0 : value < 9.995 ? 2 : value < 99.95 ? 1 : 0;
+    return QByteArray::number(value, 'f', decimals) + unit.name;
+}
+
+/// A time at an axis, where round ones stand.
+QByteArray tickText(double ns)
+{
+    const Unit& unit = unitOf(ns);
+    return QByteArray::number(ns / unit.size, 'g', 5) + unit.name;
 }
 
 /// A round number, 1, 2 or 5 times a power of ten, that is not below `value`.
@@ -522,8 +536,10 @@ Bins::Bins(const QVector<qint64>& sorted)
         return static_cast<double>(sorted.at(static_cast<int>(part * (sorted.size() - 1))));
     };
     const double longest = at(1);
-    const double to = qMin(longest, qMax(at(0.98), at(0.75) + 4 * (at(0.75) - at(0.25))));
-    hasRest = to < longest;
+    double to = qMax(at(0.98), at(0.75) + 4 * (at(0.75) - at(0.25)));
+    hasRest = longest > to + (to - at(0));
+    if (!hasRest)
+        to = longest;
     step = roundedUp(qMax((to - at(0)) / most, qMax(to / 1000, 1.0)));
     from = std::floor(at(0) / step) * step;
     counts.resize(static_cast<int>((to - from) / step) + 1 + hasRest);
@@ -587,7 +603,7 @@ void Page::writeHistogram(const QVector<qint64>& times)
     const int labelStep = qMax(1, static_cast<int>(std::ceil(numBins / 4)));
     for (int bin = 0; bin < bins.counts.size() - labelStep / 2; bin += labelStep) {
         out += "<text class=\"quiet\" x=\"" + percent(bin / numBins) + "\" y=\"220\">"
-            + timeText(bins.from + bin * bins.step) + "</text>\n";
+            + tickText(bins.from + bin * bins.step) + "</text>\n";
     }
     if (bins.hasRest)
         out += "<text class=\"quiet\" x=\"100%\" y=\"220\" text-anchor=\"end\">longer</text>\n";
@@ -659,7 +675,7 @@ void Page::writeBars(const TraceEvent& frame, const QVector<Bar>& bars)
             + "\" y2=\"" + count(height - 16) + "\"/>";
         if (time / length < 0.9) {
             out += "<text class=\"quiet\" x=\"" + x + "\" y=\"" + count(height - 3) + "\">"
-                + timeText(time) + "</text>\n";
+                + tickText(time) + "</text>\n";
         }
     }
     out += "</svg>\n";

@@ -61,6 +61,7 @@ footer { margin-top: 3rem; padding-bottom: 2rem; color: var(--soft); font-size: 
 .graph { display: block; height: auto; width: var(--w); max-width: none; margin: 0 auto; }
 #zoom-fit:checked ~ .scroll .graph { width: 100%; max-width: var(--w); min-width: min(var(--w), 52rem); }
 #zoom-2:checked ~ .scroll .graph { width: calc(var(--w) * 2); }
+.graph text:not([fill]) { fill: var(--text); }
 pre { margin: 0; padding: 1rem; font: .8rem/1.4 ui-monospace, "DejaVu Sans Mono", monospace; }
 pre.scroll { max-height: 30rem; }
 table { border-collapse: collapse; width: 100%; font-size: .93rem; }

@@ -50,11 +50,11 @@ QVector<PortRecord> outputsOf(const Graph& graph, int node)
 void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord& record)
 {
     record.pass = true;
-    const RenderPass& innermost = *TracedPass::innermost(&pass);
-    if (const auto* standIn = dynamic_cast<const StandInPass*>(&innermost))
+    const RenderPass* innermost = TracedPass::innermost(&pass);
+    if (const auto* standIn = dynamic_cast<const StandInPass*>(innermost))
         record.type = standIn->type();
     else if (typeOf)
-        record.type = typeOf(innermost);
+        record.type = typeOf(*innermost);
     const int numInputs = pass.numInputs();
     int index = 0;
     for (PortRecord& input : record.inputs) {

@@ -12,7 +12,10 @@
 
 #include <QtCore/QVector>
 
+#include <gtest/gtest.h>
+
 #include <random>
+#include <string>
 #include <vector>
 
 class SpyPass;
@@ -88,17 +91,17 @@ struct RandomRenderer
         : kind(howMade)
         , random(seed)
     {
-        const int scale = 2 + below(12);
-        for (int i = 0; i < below(3); ++i)
+        const int scale = 2 + below(12), parameters = below(3), outputs = below(4);
+        for (int i = 0; i < parameters; ++i)
             renderer.addParameter(QStringLiteral("p"), QStringLiteral("parameter %1").arg(i));
-        for (int i = 0; i < below(4); ++i)
+        for (int i = 0; i < outputs; ++i)
             renderer.addOutput(QStringLiteral("out"));
         for (int i = 0; i < scale; ++i)
             addNode();
         for (int i = 0; i < 5 * scale; ++i)
             addSoundEdge();
         for (int i = 0; i < scale / 2; ++i)
-            renderer.setEnabled(anyNode(), below(3) == 0);
+            setEnabled();
         if (below(2) == 0)
             renderer.setTarget(anyNode());
         if (kind == Sound)
@@ -138,31 +141,45 @@ private:
         const int node = below(2) == 0 ? 0 : anyNode();
         return renderer.renderPass(node) ? 0 : node;
     }
-    int addNode()
+    // What draws several numbers draws them in statements of their own: the order in which arguments
+    // are evaluated depends on the compiler.
+    void addNode()
     {
-        if (below(3) == 0)
-            return renderer.addGroup(QStringLiteral("Group"), 1 + below(3), 1 + below(3),
-                                     anyParent());
+        const bool isGroup = below(3) == 0;
+        const int parent = anyParent();
+        const int inputs = below(4), outputs = below(4);
+        if (isGroup) {
+            renderer.addGroup(QStringLiteral("Group"), inputs, outputs, parent);
+            return;
+        }
         const int number = ++numPasses;
-        return renderer.addPass(QStringLiteral("Pass%1").arg(number % 7),
-                                new SpyPass(log, number, below(4), below(4)), anyParent());
+        renderer.addPass(QStringLiteral("Pass%1").arg(number % 7),
+                         new SpyPass(log, number, inputs, outputs), parent);
+    }
+    void connect(int from, int to)
+    {
+        const int output = anyOutput(from), input = anyInput(to);
+        graph.addEdge(from, output, to, input);
     }
     void addSoundEdge()
     {
         const int node = anyNode();
         const int parent = graph.parentNode(node);
-        switch (below(5)) {
-        case 0:
-            graph.addUpEdge(anyOutput(parent), node, anyOutput(node));
-            break;
-        case 1:
-            graph.addDownEdge(anyInput(parent), node, anyInput(node));
-            break;
-        default: {
-            const int sibling = graph.getNode(below(graph.numNodes(parent)), parent);
-            graph.addEdge(node, anyOutput(node), sibling, anyInput(sibling));
+        const int way = below(5);
+        if (way == 0) {
+            const int parentOutput = anyOutput(parent), output = anyOutput(node);
+            graph.addUpEdge(parentOutput, node, output);
+        } else if (way == 1) {
+            const int parentInput = anyInput(parent), input = anyInput(node);
+            graph.addDownEdge(parentInput, node, input);
+        } else {
+            connect(node, graph.getNode(below(graph.numNodes(parent)), parent));
         }
-        }
+    }
+    void setEnabled()
+    {
+        const int node = anyNode();
+        renderer.setEnabled(node, below(2) == 0);
     }
     void edit()
     {
@@ -178,7 +195,7 @@ private:
             graph.removeEdge(anyEdge());
             break;
         case 3:
-            renderer.setEnabled(anyNode(), below(2) == 0);
+            setEnabled();
             break;
         case 4:
             addNode();
@@ -225,13 +242,29 @@ private:
             break;
         case 10:
         case 11:
-            graph.addEdge(node, anyOutput(node), other, anyInput(other));
+            connect(node, other);
             break;
         default:
             edit();
         }
     }
 };
+
+/// Calls `check` for many random renderers, until it fails.
+template<typename Check>
+void forRandomRenderers(Check check)
+{
+    for (unsigned seed = 0; seed < 1000; ++seed) {
+        for (const RandomRenderer::Kind kind :
+             {RandomRenderer::Sound, RandomRenderer::Edited, RandomRenderer::Odd}) {
+            SCOPED_TRACE("seed " + std::to_string(seed) + ", kind " + std::to_string(kind));
+            RandomRenderer random(seed, kind);
+            check(random);
+            if (testing::Test::HasFailure())
+                return;
+        }
+    }
+}
 
 /// A snapshot filled with refs and indices that lie anywhere, most of them just in or just beside the
 /// tables.

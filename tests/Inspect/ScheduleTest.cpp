@@ -42,14 +42,5 @@ TEST(Schedule, IsEmptyForAnEmptyRenderer)
 
 TEST(ScheduleProperties, SetupDoesAsPredicted)
 {
-    for (unsigned seed = 0; seed < 3000; ++seed) {
-        for (const RandomRenderer::Kind kind :
-             {RandomRenderer::Sound, RandomRenderer::Edited, RandomRenderer::Odd}) {
-            SCOPED_TRACE("seed " + std::to_string(seed) + ", kind " + std::to_string(kind));
-            RandomRenderer random(seed, kind);
-            expectAsPredicted(random);
-            if (testing::Test::HasFailure())
-                return;
-        }
-    }
+    forRandomRenderers(expectAsPredicted);
 }

@@ -23,7 +23,7 @@ namespace Inspect {
 /// An input or output of a node.
 struct PortRecord
 {
-    QString name;
+    QString name;              ///< not required to be unique
     int group = -1;            ///< the port group that it was added to; -1 for none
     int source = -1;           ///< the edge that feeds it; -1 for none
     QVector<int> destinations; ///< the edges that leave it, oldest first
@@ -33,26 +33,26 @@ struct PortRecord
 /// A node of the graph: the renderer itself (node 0), a pass, or a group.
 struct NodeRecord
 {
-    QString name;
-    int parent = -1;         ///< -1 for the root
-    int value = -1;          ///< the index of a pass
-    bool removed = true;     ///< a slot that holds no node any more
-    bool pass = false;       ///< whether the renderer has a pass for the node; groups have none
-    bool enabled = false;    ///< whether that pass is enabled
-    QString type;            ///< what the host calls that kind of pass; may be empty
-    QVector<QString> groups; ///< the names of the port groups
-    QVector<PortRecord> inputs;
-    QVector<PortRecord> outputs;
-    QVector<int> children; ///< in the order in which they were added
+    QString name;                ///< not required to be unique
+    int parent = -1;             ///< -1 for the root
+    int value = -1;              ///< the index of a pass
+    bool removed = true;         ///< a slot that holds no node any more
+    bool pass = false;           ///< whether the renderer has a pass for the node; groups have none
+    bool enabled = false;        ///< whether that pass is enabled
+    QString type;                ///< what the host calls that kind of pass; may be empty
+    QVector<QString> groups;     ///< the names of the port groups
+    QVector<PortRecord> inputs;  ///< by port index
+    QVector<PortRecord> outputs; ///< by port index
+    QVector<int> children;       ///< in the order in which they were added
 };
 
 /// A connection from a port to a port.
 struct EdgeRecord
 {
-    int srcNode = -1;
-    int srcIndex = -1;
-    int dstNode = -1;
-    int dstIndex = -1;
+    int srcNode = -1;    ///< the node that it leaves
+    int srcIndex = -1;   ///< the port that it leaves: an input for a down edge, otherwise an output
+    int dstNode = -1;    ///< the node that it enters
+    int dstIndex = -1;   ///< the port that it enters: an output for an up edge, otherwise an input
     bool removed = true; ///< a slot that holds no edge any more
 };
 
@@ -98,10 +98,13 @@ public:
     /// Whether the node has a pass that is enabled: the only ones that are run and read.
     bool isLivePass(int node) const;
 
-    /// The walks of Graph of the same names, with the same answers.
+    /// As Graph::walkUp().
     bool walkUp(int& node, int& port) const;
+    /// As Graph::walkAcross().
     bool walkAcross(int& node, int& port) const;
+    /// As Graph::walkDown().
     bool walkDown(int& node, int& port) const;
+    /// As Graph::walkToSourceNode().
     bool walkToSourceNode(int& node, int& port) const;
 
     QVector<NodeRecord> nodes; ///< by ref; the root is the first
