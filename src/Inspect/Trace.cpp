@@ -9,13 +9,15 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/Renderer.h>
 
-#include <QtCore/QBuffer>
 #include <QtCore/QIODevice>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 
 #include <charconv>
 #include <iterator>
+#include <limits>
+#include <new>
+#include <tuple>
 
 namespace Kestrin {
 namespace Orv {
@@ -57,28 +59,45 @@ bool isKind(int kind)
     return kind >= 0 && kind < static_cast<int>(Recording::kNumKinds);
 }
 
-TraceSummary summaryOf(const QString& name, std::vector<qint64> times)
+/// How long something took in a frame.
+struct Sample
+{
+    int pass;
+    qint64 time;
+};
+
+/// Sums up the samples of one pass, or of the frames, in ascending order of time.
+TraceSummary summaryOf(const QString& name, const Sample* begin, const Sample* end)
 {
     TraceSummary summary;
     summary.name = name;
-    if (times.empty())
+    const auto count = end - begin;
+    if (count == 0)
         return summary;
-    std::sort(times.begin(), times.end());
-    const auto percentile = [&times](std::size_t percent) {
-        return times[(percent * times.size() + 99) / 100 - 1];
+    const auto percentile = [begin, count](int percent) {
+        return begin[(percent * count + 99) / 100 - 1].time;
     };
-    summary.count = static_cast<int>(times.size());
-    for (const qint64 time : times)
-        summary.total += time;
-    summary.minimum = times.front();
+    summary.count = static_cast<int>(count);
+    for (const Sample* sample = begin; sample != end; ++sample)
+        summary.total += sample->time;
+    summary.minimum = begin->time;
     summary.median = percentile(50);
     summary.percentile90 = percentile(90);
     summary.percentile99 = percentile(99);
-    summary.maximum = times.back();
+    summary.maximum = end[-1].time;
     return summary;
 }
 
+void sort(std::vector<Sample>& samples)
+{
+    std::sort(samples.begin(), samples.end(), [](const Sample& a, const Sample& b) {
+        return std::tie(a.pass, a.time) < std::tie(b.pass, b.time);
+    });
+}
+
 } // namespace
+
+const int Trace::kDefaultCapacity;
 
 Trace::Trace()
     : Trace(kDefaultCapacity)
@@ -180,56 +199,68 @@ QVector<TraceEvent> Trace::events() const
 
 QVector<TraceSummary> Trace::passes() const
 {
-    struct Times
+    struct Current
     {
-        int frame = -1;            // of the last time
-        qint64 countedTo = 0;      // what lies before has been counted
-        std::vector<qint64> times; // by frame in which it was called
+        int frame = -1;
+        std::size_t sample = 0;
+        qint64 countedTo = 0; // calls within calls lie before
     };
-    std::vector<Times> byPass(recording->passes.size());
+    std::vector<Current> byPass(recording->passes.size());
+    std::vector<Sample> samples;
     for (const TraceEvent& event : recording->events) {
         if (event.kind == TraceEvent::Frame || event.kind >= TraceEvent::IsFinished
             || event.frame < 0 || event.frame >= recording->numWholeFrames)
             continue;
-        Times& pass = byPass[static_cast<std::size_t>(event.pass)];
-        if (pass.frame != event.frame) {
-            pass.frame = event.frame;
-            pass.times.push_back(0);
+        Current& current = byPass[static_cast<std::size_t>(event.pass)];
+        if (current.frame != event.frame) {
+            current.frame = event.frame;
+            current.sample = samples.size();
+            samples.push_back({event.pass, 0});
         }
-        const qint64 begin = std::max(event.beginNs, pass.countedTo);
-        if (event.endNs > begin) {
-            pass.times.back() += event.endNs - begin;
-            pass.countedTo = event.endNs;
+        if (event.endNs > current.countedTo) {
+            samples[current.sample].time +=
+                event.endNs - std::max(event.beginNs, current.countedTo);
+            current.countedTo = event.endNs;
         }
     }
+    sort(samples);
 
     QVector<TraceSummary> summaries;
     summaries.reserve(numPasses());
+    const Sample* begin = samples.data();
+    const Sample* const last = begin + samples.size();
     for (int pass = 0; pass < numPasses(); ++pass) {
-        summaries.append(
-            summaryOf(passName(pass), std::move(byPass[static_cast<std::size_t>(pass)].times)));
+        const Sample* end = begin;
+        while (end != last && end->pass == pass)
+            ++end;
+        summaries.append(summaryOf(passName(pass), begin, end));
+        begin = end;
     }
     return summaries;
 }
 
 TraceSummary Trace::frames() const
 {
-    std::vector<qint64> times;
+    std::vector<Sample> samples;
     for (const TraceEvent& event : recording->events) {
         if (event.kind == TraceEvent::Frame && event.frame < recording->numWholeFrames)
-            times.push_back(event.endNs - event.beginNs);
+            samples.push_back({event.pass, event.endNs - event.beginNs});
     }
-    return summaryOf(QString(), std::move(times));
+    sort(samples);
+    return summaryOf(QString(), samples.data(), samples.data() + samples.size());
 }
 
 namespace {
 
-/// Writes to a device in pieces of some size.
+/// Hands text on in pieces of some size.
 class Pieces
 {
 public:
-    explicit Pieces(QIODevice& target)
-        : device(target)
+    /// Answers whether it took the piece.
+    using Taker = std::function<bool(const QByteArray& piece)>;
+
+    explicit Pieces(Taker whoTakes)
+        : take(std::move(whoTakes))
     {
         text.reserve(kSize + 4096);
     }
@@ -245,8 +276,8 @@ public:
     Pieces& operator<<(qint64 number)
     {
         std::array<char, 24> digits{};
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-        text.append(digits.data(), static_cast<int>(end - digits.data()));
+        const std::to_chars_result end = std::to_chars(digits.begin(), digits.end(), number);
+        text.append(digits.data(), static_cast<int>(end.ptr - digits.data()));
         return *this;
     }
     /// Nanoseconds as microseconds with three decimals.
@@ -262,17 +293,17 @@ public:
 
     bool flush()
     {
-        written = written && device.write(text) == text.size();
+        taken = taken && take(text);
         text.resize(0);
-        return written;
+        return taken;
     }
 
 private:
     static constexpr int kSize = 1 << 16;
 
-    QIODevice& device;
+    Taker take;
     QByteArray text;
-    bool written = true;
+    bool taken = true;
 };
 
 /// A name as it stands within the quotes of JSON.
@@ -285,50 +316,60 @@ QByteArray jsonText(const QString& name)
     return json.mid(2, json.size() - 4); // without [" and "]
 }
 
-} // namespace
-
-QByteArray Trace::toTraceEvents() const
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    writeTraceEvents(buffer);
-    return buffer.data();
-}
-
-bool Trace::writeTraceEvents(QIODevice& device) const
+bool write(const Recording& recording, const Pieces::Taker& take)
 {
     std::vector<QByteArray> names;
-    names.reserve(recording->passes.size());
-    for (const Recording::Pass& pass : recording->passes)
+    names.reserve(recording.passes.size());
+    for (const Recording::Pass& pass : recording.passes)
         names.push_back(pass.name.isEmpty() ? QByteArray() : jsonText(pass.name) + ' ');
 
-    Pieces out(device);
-    out << "{\"displayTimeUnit\":\"ns\",\"otherData\":{\"droppedEvents\":\""
-        << recording->numDropped << "\"},\"traceEvents\":[\n"
-        << R"({"ph":"M","pid":1,"tid":1,"name":"process_name","args":{"name":"Orv"}},)"
-        << "\n"
-        << R"({"ph":"M","pid":1,"tid":1,"name":"thread_name","args":{"name":"Renderer"}})";
-    for (const TraceEvent& event : recording->events) {
+    Pieces out(take);
+    out << R"({"displayTimeUnit":"ns","otherData":{"droppedEvents":")" << recording.numDropped
+        << R"("},"traceEvents":[
+{"ph":"M","pid":1,"tid":1,"name":"process_name","args":{"name":"Orv"}},
+{"ph":"M","pid":1,"tid":1,"name":"thread_name","args":{"name":"Renderer"}})";
+    for (const TraceEvent& event : recording.events) {
         if (event.endNs == Recording::kOpen)
             continue;
         const char* kind = kNames[event.kind];
-        out << ",\n{\"ph\":\"X\",\"pid\":1,\"tid\":1,\"cat\":\"" << kind << "\",\"name\":\"";
+        out << R"(,
+{"ph":"X","pid":1,"tid":1,"cat":")"
+            << kind << R"(","name":")";
         if (event.pass >= 0)
             out << names[static_cast<std::size_t>(event.pass)];
-        out << kind << "\",\"ts\":";
-        out.time(event.beginNs) << ",\"dur\":";
-        out.time(event.endNs - event.beginNs) << ",\"args\":{";
-        const char* separator = "";
-        if (event.frame >= 0) {
-            out << "\"frame\":" << static_cast<qint64>(event.frame);
-            separator = ",";
-        }
+        out << kind << R"(","ts":)";
+        out.time(event.beginNs) << R"(,"dur":)";
+        out.time(event.endNs - event.beginNs) << R"(,"args":{)";
+        if (event.frame >= 0)
+            out << R"("frame":)" << qint64(event.frame);
         if (event.kind == TraceEvent::EndFrame)
-            out << separator << "\"errorCode\":" << static_cast<qint64>(event.errorCode);
+            out << (event.frame >= 0 ? "," : "") << R"("errorCode":)" << qint64(event.errorCode);
         out << "}}";
     }
     out << "\n]}\n";
     return out.flush();
+}
+
+} // namespace
+
+QByteArray Trace::toTraceEvents() const
+{
+    QByteArray all;
+    write(*recording, [&all](const QByteArray& piece) {
+        // QByteArray does not check its size.
+        if (piece.size() > std::numeric_limits<int>::max() / 2 - all.size())
+            throw std::bad_alloc();
+        all += piece;
+        return true;
+    });
+    return all;
+}
+
+bool Trace::writeTraceEvents(QIODevice& device) const
+{
+    return write(*recording, [&device](const QByteArray& piece) {
+        return device.write(piece) == piece.size();
+    });
 }
 
 } // namespace Inspect

@@ -28,6 +28,23 @@ struct TracedPass::Impl
     {
         waiting = {recording->nextId(), recording->lastTime, recording->numBegun, false};
     }
+    /// Ends the waiting if something else has been called since.
+    void goOnWaiting()
+    {
+        if (waiting.numBegun != recording->numBegun)
+            waiting.position = Recording::kNone;
+    }
+    void answered(bool finished)
+    {
+        if (finished) {
+            if (waiting.asked)
+                recording->insert(waiting.position, TraceEvent::Wait, index, waiting.beginNs);
+            waiting.position = Recording::kNone;
+        } else {
+            waiting.numBegun = recording->numBegun;
+            waiting.asked = true;
+        }
+    }
 
     std::shared_ptr<Recording> recording;
     std::unique_ptr<RenderPass> pass;
@@ -72,21 +89,9 @@ public:
     explicit Question(Impl& asked)
         : pass(asked)
     {
-        if (pass.waiting.numBegun != pass.recording->numBegun)
-            pass.waiting.position = Recording::kNone;
+        pass.goOnWaiting();
     }
-    ~Question()
-    {
-        Waiting& waiting = pass.waiting;
-        if (!finished) {
-            waiting.numBegun = pass.recording->numBegun;
-            waiting.asked = true;
-            return;
-        }
-        if (waiting.asked)
-            pass.recording->insert(waiting.position, TraceEvent::Wait, pass.index, waiting.beginNs);
-        waiting.position = Recording::kNone;
-    }
+    ~Question() { pass.answered(finished); }
     Question(const Question&) = delete;
     Question& operator=(const Question&) = delete;
 

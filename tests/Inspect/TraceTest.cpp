@@ -6,6 +6,8 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/RenderPassHelper.h>
 
+#include "Scale/Limits.h"
+#include "support/Growth.h"
 #include "support/LightPass.h"
 #include "support/RecordingPass.h"
 
@@ -28,6 +30,61 @@
 
 using namespace Kestrin::Orv;
 using namespace Kestrin::Orv::Inspect;
+
+#ifndef ORV_SANITIZED
+
+namespace {
+
+long numAllocations = 0;
+
+} // namespace
+
+// The sanitizers replace it themselves.
+extern "C" {
+void* __libc_malloc(std::size_t size);
+
+void* malloc(std::size_t size) noexcept
+{
+    ++numAllocations;
+    return __libc_malloc(size);
+}
+}
+
+TEST(TraceRecording, AllocatesNothing)
+{
+    long counts[2] = {0, 0};
+    for (const bool traced : {false, true}) {
+        Trace trace;
+        trace.setDetail(Trace::EveryCall);
+        Renderer renderer;
+        for (int i = 0; i < 10; ++i) {
+            RenderPass* pass = new LightPass(1, 1);
+            if (traced)
+                pass = new TracedPass(trace, QStringLiteral("A"), pass);
+            const int node = renderer.addPass(QString(), pass, 0);
+            if (i > 0)
+                renderer.getGraph()->addEdge(node - 1, 0, node, 0);
+            renderer.setTarget(node);
+        }
+        renderer.setup(nullptr);
+        renderer.render(nullptr);
+        const long before = numAllocations;
+        for (int i = 0; i < 1000; ++i) {
+            trace.beginFrame();
+            renderer.render(nullptr);
+            trace.endFrame();
+        }
+        counts[traced] = numAllocations - before;
+        EXPECT_EQ(renderer.getNumPasses(), 10);
+        EXPECT_EQ(trace.numDropped(), 0);
+    }
+    EXPECT_EQ(counts[true], counts[false]);
+    const long before = numAllocations;
+    QString(100, QLatin1Char(' '));
+    EXPECT_EQ(numAllocations, before + 1);
+}
+
+#endif
 
 namespace {
 
@@ -1284,4 +1341,60 @@ TEST(TraceFile, LargeTraceIsWrittenInPieces)
     EXPECT_TRUE(trace.writeTraceEvents(sink));
     EXPECT_GT(sink.total, 5000000);
     EXPECT_LT(sink.largest, 100000);
+}
+
+TEST(TraceFile, PiecesAfterOneThatWasNotTakenAreNotWritten)
+{
+    struct Full : QIODevice
+    {
+        qint64 readData(char*, qint64) override { return -1; }
+        qint64 writeData(const char*, qint64) override { return ++calls == 1 ? -1 : 0; }
+        int calls = 0;
+    };
+    Trace trace(10000);
+    const auto pass = makePass(trace, "A");
+    for (int i = 0; i < 10000; ++i)
+        pass->start(nullptr);
+    Full full;
+    full.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+    EXPECT_FALSE(trace.writeTraceEvents(full));
+    EXPECT_EQ(full.calls, 1);
+}
+
+namespace {
+
+/// So many passes in one frame.
+struct WideFrame
+{
+    explicit WideFrame(int size)
+    {
+        for (int i = 0; i < size; ++i)
+            passes.push_back(
+                std::make_unique<TracedPass>(trace, QStringLiteral("A"), new LightPass(0, 0)));
+        trace.beginFrame();
+        for (const auto& pass : passes) {
+            pass->start(nullptr);
+            pass->isFinished();
+        }
+        trace.endFrame();
+    }
+
+    Trace trace;
+    std::vector<std::unique_ptr<TracedPass>> passes;
+};
+
+} // namespace
+
+TEST(TraceScale, SummariesGrowWithTheEvents)
+{
+    expectLinear<WideFrame>(100000, [](WideFrame& frame) {
+        const QVector<TraceSummary> passes = frame.trace.passes();
+        EXPECT_EQ(passes.last().count, 1);
+    });
+}
+
+TEST(TraceScale, FileGrowsWithTheEvents)
+{
+    expectLinear<WideFrame>(
+        100000, [](WideFrame& frame) { EXPECT_GT(frame.trace.toTraceEvents().size(), 3000000); });
 }

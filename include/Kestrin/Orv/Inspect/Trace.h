@@ -153,8 +153,9 @@ public:
     TraceSummary frames() const;
 
     /// The events as a file in the Trace Event format, which Perfetto and chrome://tracing open.
+    /// Throws std::bad_alloc when it exceeds a GiB, some eight million events.
     QByteArray toTraceEvents() const;
-    /// Writes that file piece by piece. Linear.
+    /// Writes that file piece by piece, of whatever size. Linear.
     /// \return whether the device took all of it.
     bool writeTraceEvents(QIODevice& device) const;
 
