@@ -48,6 +48,14 @@ bool hasPort(const Snapshot& snapshot, const PortRef& port)
     return port.index >= 0 && port.index < count;
 }
 
+/// The edge that feeds an output from within its group; a removed one if there is none.
+const EdgeRecord& edgeFromInside(const Snapshot& snapshot, const PortRef& output)
+{
+    static const EdgeRecord none;
+    const EdgeRecord& source = snapshot.edge(recordOf(snapshot, output).source);
+    return snapshot.node(source.srcNode).parent == output.node ? source : none;
+}
+
 // The walks of the renderer, which list the ports that they pass: those where they begin and end,
 // and every group boundary. As in the graph, no walk takes more steps than there are nodes.
 
@@ -69,8 +77,8 @@ void descend(const Snapshot& snapshot, PortRef& position, QVector<PortRef>& path
 {
     path.append(position);
     for (int steps = snapshot.nodes.size(); steps > 0; --steps) {
-        const EdgeRecord& source = snapshot.edge(recordOf(snapshot, position).source);
-        if (source.removed || snapshot.node(source.srcNode).parent != position.node)
+        const EdgeRecord& source = edgeFromInside(snapshot, position);
+        if (source.removed)
             break;
         position = {source.srcNode, source.srcIndex, true};
         path.append(position);
@@ -174,10 +182,9 @@ int Downstream::nearestEnd(int start)
         bool leadsOn = leadsInside.contains(node);
         const int numOutputs = snapshot.node(node).outputs.size();
         for (int i = 0; i < numOutputs; ++i) {
-            int producer = node;
-            int output = i;
-            if (!snapshot.walkDown(producer, output))
-                leadsOn |= follow({node, i, true});
+            const PortRef output{node, i, true};
+            if (edgeFromInside(snapshot, output).removed)
+                leadsOn |= follow(output);
         }
         if (!leadsOn && !snapshot.node(node).removed)
             return node;
@@ -630,10 +637,14 @@ QString Explainer::Impl::verdict(const EdgeExplanation& explanation) const
     case EdgeExplanation::Cycle:
         return refused + latin1("it would close a cycle:\n") + listed(explanation.cycle);
     case EdgeExplanation::NotRelated:
-        if (!explanation.from.isOutput && explanation.to.isOutput)
-            return refused + latin1("no edge leads from an input to an output.\n");
-        return (explanation.made ? latin1(" is accepted but carries nothing: ") : refused)
-            + latin1("the nodes are neither siblings nor a group and its child.\n");
+        if (explanation.made)
+            return latin1(
+                " is accepted but does not carry that output: the nodes are no siblings.\n");
+        if (!explanation.to.isOutput)
+            return refused + latin1("an input feeds another only from a group to its child.\n");
+        if (explanation.from.isOutput)
+            return refused + latin1("an output feeds another only from a child to its group.\n");
+        return refused + latin1("no edge leads from an input to an output.\n");
     }
     return latin1(" is accepted.\n");
 }

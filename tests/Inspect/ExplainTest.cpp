@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "LargeGraphs.h"
 #include "RandomRenderer.h"
 #include "support/LightPass.h"
 
@@ -82,7 +83,10 @@ struct Scene
     }
 };
 
-///     Angle -> Shadow -> [Lit Bloom: Blur -> Glow ] -> ToneMap -> Picture
+///     Angle -> Shadow -> [Bloom: Blur -> Glow] -+-> ToneMap -> Picture
+///                                               +-> LightMeter -> Debug
+///
+/// The group Bloom has an input and an output to spare, which nothing feeds.
 struct Frame : Scene
 {
     int angle = renderer.addParameter(QStringLiteral("Angle"), 42);
@@ -111,6 +115,18 @@ struct Frame : Scene
     }
 };
 
+/// What a page quotes from a raw string: without the lines that mark the region.
+std::string quoted(const char* text)
+{
+    std::string result;
+    const QStringList lines = QString::fromUtf8(text).split(QLatin1Char('\n'));
+    for (const QString& line : lines) {
+        if (!line.isEmpty() && !line.startsWith(QLatin1String("//!")))
+            result += line.toStdString() + "\n";
+    }
+    return result;
+}
+
 } // namespace
 
 // Nodes
@@ -118,18 +134,21 @@ struct Frame : Scene
 TEST(ExplainNode, APassThatRunsIsToldWithTheWayFromTheOutput)
 {
     Frame f;
-    EXPECT_EQ(f.node(f.shadow),
-              "Shadow runs as 1 of 4, needed by the renderer's output Picture:\n"
-              "  output Picture\n"
-              "  output ToneMap.Color\n"
-              "  input ToneMap.Color\n"
-              "  output Bloom.Color\n"
-              "  output Bloom/Glow.Color\n"
-              "  input Bloom/Glow.Color\n"
-              "  output Bloom/Blur.Color\n"
-              "  input Bloom/Blur.Color\n"
-              "  input Bloom.Scene\n"
-              "  output Shadow.Map\n");
+    EXPECT_EQ(f.node(f.shadow), quoted(R"(
+//! [runs]
+Shadow runs as 1 of 4, needed by the renderer's output Picture:
+  output Picture
+  output ToneMap.Color
+  input ToneMap.Color
+  output Bloom.Color
+  output Bloom/Glow.Color
+  input Bloom/Glow.Color
+  output Bloom/Blur.Color
+  input Bloom/Blur.Color
+  input Bloom.Scene
+  output Shadow.Map
+//! [runs]
+)"));
 }
 
 TEST(ExplainNode, OfSeveralOutputsTheFirstIsTold)
@@ -160,10 +179,13 @@ TEST(ExplainNode, WhatTheTargetNeedsIsToldWithTheWayFromItsInput)
 {
     Frame f;
     f.renderer.setTarget(f.debug);
-    EXPECT_EQ(f.node(f.meter),
-              "LightMeter runs as 5 of 6, needed by the target Debug:\n"
-              "  input Debug.Exposure\n"
-              "  output LightMeter.Exposure\n");
+    EXPECT_EQ(f.node(f.meter), quoted(R"(
+//! [for-the-target]
+LightMeter runs as 5 of 6, needed by the target Debug:
+  input Debug.Exposure
+  output LightMeter.Exposure
+//! [for-the-target]
+)"));
 }
 
 TEST(ExplainNode, ATargetThatAnOutputLeadsToIsToldByTheOutput)
@@ -180,10 +202,13 @@ TEST(ExplainNode, ADisabledPassIsToldWithWhatLeadsToIt)
 {
     Frame f;
     f.renderer.setEnabled(f.toneMap, false);
-    EXPECT_EQ(f.node(f.toneMap),
-              "ToneMap does not run: it is disabled. The renderer's output Picture leads to it:\n"
-              "  output Picture\n"
-              "  output ToneMap.Color\n");
+    EXPECT_EQ(f.node(f.toneMap), quoted(R"(
+//! [disabled]
+ToneMap does not run: it is disabled. The renderer's output Picture leads to it:
+  output Picture
+  output ToneMap.Color
+//! [disabled]
+)"));
 }
 
 TEST(ExplainNode, ADisabledTargetIsToldToBeBoth)
@@ -202,11 +227,13 @@ TEST(ExplainNode, ADisabledTargetIsToldToBeBoth)
 TEST(ExplainNode, WhatNothingNeedsIsToldTheNearestEndOfItsWays)
 {
     Frame f;
-    EXPECT_EQ(f.node(f.meter),
-              "LightMeter does not run: no output of the renderer and no target leads to it. The "
-              "nearest end of its ways is Debug: make Debug the target, and LightMeter runs:\n"
-              "  input Debug.Exposure\n"
-              "  output LightMeter.Exposure\n");
+    EXPECT_EQ(f.node(f.meter), quoted(R"(
+//! [not-needed]
+LightMeter does not run: no output of the renderer and no target leads to it. The nearest end of its ways is Debug: make Debug the target, and LightMeter runs:
+  input Debug.Exposure
+  output LightMeter.Exposure
+//! [not-needed]
+)"));
 }
 
 TEST(ExplainNode, WhatNothingReadsIsItsOwnNearestEnd)
@@ -347,10 +374,13 @@ TEST(ExplainNode, NamesAreTakenAsTheyAre)
 TEST(ExplainInput, AParameterIsToldWithItsValue)
 {
     Frame f;
-    EXPECT_EQ(f.input(f.shadow, 0),
-              "Shadow.Angle takes the parameter Angle (42 now):\n"
-              "  input Shadow.Angle\n"
-              "  parameter Angle\n");
+    EXPECT_EQ(f.input(f.shadow, 0), quoted(R"(
+//! [parameter]
+Shadow.Angle takes the parameter Angle (42 now):
+  input Shadow.Angle
+  parameter Angle
+//! [parameter]
+)"));
     f.renderer.setParameter(f.angle, QStringLiteral("two\n\"lines\""));
     EXPECT_EQ(f.input(0, f.angle),
               "Angle is a parameter of the renderer (\"two\\n\\\"lines\\\"\" now).\n");
@@ -364,11 +394,14 @@ TEST(ExplainInput, AParameterIsToldWithItsValue)
 TEST(ExplainInput, AnUpstreamOutputIsToldWithEveryGroupBoundary)
 {
     Frame f;
-    EXPECT_EQ(f.input(f.toneMap, 0),
-              "ToneMap.Color takes the output Bloom/Glow.Color:\n"
-              "  input ToneMap.Color\n"
-              "  output Bloom.Color\n"
-              "  output Bloom/Glow.Color\n");
+    EXPECT_EQ(f.input(f.toneMap, 0), quoted(R"(
+//! [output]
+ToneMap.Color takes the output Bloom/Glow.Color:
+  input ToneMap.Color
+  output Bloom.Color
+  output Bloom/Glow.Color
+//! [output]
+)"));
     EXPECT_EQ(f.input(f.blur, 0),
               "Bloom/Blur.Color takes the output Shadow.Map:\n"
               "  input Bloom/Blur.Color\n"
@@ -389,32 +422,39 @@ TEST(ExplainInput, AnUnfedInputTakesItsDefault)
 {
     Frame f;
     EXPECT_EQ(f.input(f.shadow, 1), "Shadow.Bias takes its default (0.5), as nothing feeds it.\n");
-    EXPECT_EQ(f.input(f.glow, 1),
-              "Bloom/Glow.Mask takes its default (0.5), as nothing feeds the input Bloom.Spare:\n"
-              "  input Bloom/Glow.Mask\n"
-              "  input Bloom.Spare\n");
+    EXPECT_EQ(f.input(f.glow, 1), quoted(R"(
+//! [unfed]
+Bloom/Glow.Mask takes its default (0.5), as nothing feeds the input Bloom.Spare:
+  input Bloom/Glow.Mask
+  input Bloom.Spare
+//! [unfed]
+)"));
 }
 
 TEST(ExplainInput, TheOutputOfAGroupMayLeadNowhere)
 {
     Frame f;
-    EXPECT_EQ(f.input(f.toneMap, 1),
-              "ToneMap.Other takes its default (0.5), as no pass is behind the output "
-              "Bloom.Spare:\n"
-              "  input ToneMap.Other\n"
-              "  output Bloom.Spare\n");
+    EXPECT_EQ(f.input(f.toneMap, 1), quoted(R"(
+//! [no-pass-behind]
+ToneMap.Other takes its default (0.5), as no pass is behind the output Bloom.Spare:
+  input ToneMap.Other
+  output Bloom.Spare
+//! [no-pass-behind]
+)"));
 }
 
 TEST(ExplainInput, ADisabledPassUpstreamIsTold)
 {
     Frame f;
     f.renderer.setEnabled(f.glow, false);
-    EXPECT_EQ(f.input(f.toneMap, 0),
-              "ToneMap.Color takes its default (0.5), as Bloom/Glow, which feeds it, is "
-              "disabled:\n"
-              "  input ToneMap.Color\n"
-              "  output Bloom.Color\n"
-              "  output Bloom/Glow.Color\n");
+    EXPECT_EQ(f.input(f.toneMap, 0), quoted(R"(
+//! [upstream-disabled]
+ToneMap.Color takes its default (0.5), as Bloom/Glow, which feeds it, is disabled:
+  input ToneMap.Color
+  output Bloom.Color
+  output Bloom/Glow.Color
+//! [upstream-disabled]
+)"));
 }
 
 TEST(ExplainInput, APassThatIsNullUpstreamIsTold)
@@ -472,9 +512,11 @@ TEST(ExplainEdge, WhatTheGraphTakesIsAccepted)
 TEST(ExplainEdge, AFedPortIsToldWhatFeedsIt)
 {
     Frame f;
-    EXPECT_EQ(f.edge({f.meter, 0, true}, {0, f.picture, true}),
-              "An edge from the output LightMeter.Exposure to the output Picture is refused: "
-              "Picture is fed by the output ToneMap.Color already.\n");
+    EXPECT_EQ(f.edge({f.meter, 0, true}, {0, f.picture, true}), quoted(R"(
+//! [already-fed]
+An edge from the output LightMeter.Exposure to the output Picture is refused: Picture is fed by the output ToneMap.Color already.
+//! [already-fed]
+)"));
     EXPECT_EQ(f.edge({f.bloom, 1, false}, {f.blur, 0, false}),
               "An edge from the input Bloom.Spare to the input Bloom/Blur.Color is refused: "
               "Bloom/Blur.Color is fed by the input Bloom.Scene already.\n");
@@ -483,27 +525,31 @@ TEST(ExplainEdge, AFedPortIsToldWhatFeedsIt)
 TEST(ExplainEdge, AnOutputThatLeavesItsGroupFeedsNoSibling)
 {
     Frame f;
-    EXPECT_EQ(f.edge({f.toneMap, 0, true}, {f.shadow, 1, false}),
-              "An edge from the output ToneMap.Color to the input Shadow.Bias is refused: the "
-              "oldest edge of ToneMap.Color leads to the output Picture, not to a sibling.\n");
+    EXPECT_EQ(f.edge({f.toneMap, 0, true}, {f.shadow, 1, false}), quoted(R"(
+//! [leaves-group]
+An edge from the output ToneMap.Color to the input Shadow.Bias is refused: the oldest edge of ToneMap.Color leads to the output Picture, not to a sibling.
+//! [leaves-group]
+)"));
 }
 
 TEST(ExplainEdge, ACycleIsToldPortByPort)
 {
     Frame f;
-    EXPECT_EQ(f.edge({f.meter, 0, true}, {f.shadow, 1, false}),
-              "An edge from the output LightMeter.Exposure to the input Shadow.Bias is refused: it "
-              "would close a cycle:\n"
-              "  output LightMeter.Exposure\n"
-              "  input LightMeter.Color\n"
-              "  output Bloom.Color\n"
-              "  output Bloom/Glow.Color\n"
-              "  input Bloom/Glow.Color\n"
-              "  output Bloom/Blur.Color\n"
-              "  input Bloom/Blur.Color\n"
-              "  input Bloom.Scene\n"
-              "  output Shadow.Map\n"
-              "  input Shadow.Bias\n");
+    EXPECT_EQ(f.edge({f.meter, 0, true}, {f.shadow, 1, false}), quoted(R"(
+//! [cycle]
+An edge from the output LightMeter.Exposure to the input Shadow.Bias is refused: it would close a cycle:
+  output LightMeter.Exposure
+  input LightMeter.Color
+  output Bloom.Color
+  output Bloom/Glow.Color
+  input Bloom/Glow.Color
+  output Bloom/Blur.Color
+  input Bloom/Blur.Color
+  input Bloom.Scene
+  output Shadow.Map
+  input Shadow.Bias
+//! [cycle]
+)"));
 }
 
 TEST(ExplainEdge, APassCannotFeedItself)
@@ -524,24 +570,44 @@ TEST(ExplainEdge, AFedInputIsToldBeforeACycle)
               "refused: LightMeter.Color is fed by the output Bloom.Color already.\n");
 }
 
-TEST(ExplainEdge, WhatTheGraphMakesBetweenUnrelatedNodesCarriesNothing)
+TEST(ExplainEdge, WhatTheGraphMakesBetweenOthersThanSiblingsGoesAstray)
 {
     Frame f;
     const int other = f.pass("Other", "In", "");
-    EXPECT_EQ(f.edge({f.blur, 0, true}, {other, 0, false}),
-              "An edge from the output Bloom/Blur.Color to the input Other.In is accepted but "
-              "carries nothing: the nodes are neither siblings nor a group and its child.\n");
+    EXPECT_EQ(f.edge({f.blur, 0, true}, {other, 0, false}), quoted(R"(
+//! [not-related]
+An edge from the output Bloom/Blur.Color to the input Other.In is accepted but does not carry that output: the nodes are no siblings.
+//! [not-related]
+)"));
+}
+
+TEST(ExplainEdge, AnEdgeFromAGroupsOutputIntoTheGroupCarriesAnother)
+{
+    Frame f;
+    f.graph.disconnectInput(f.glow, 1);
+    EXPECT_EQ(f.edge({f.bloom, 0, true}, {f.glow, 1, false}),
+              "An edge from the output Bloom.Color to the input Bloom/Glow.Mask is accepted but "
+              "does not carry that output: the nodes are no siblings.\n");
+    ASSERT_GE(f.graph.addEdge(f.bloom, 1, f.glow, 1), 0);
+    EXPECT_EQ(f.input(f.glow, 1),
+              "Bloom/Glow.Mask takes its default (0.5), as nothing feeds the input Bloom.Spare:\n"
+              "  input Bloom/Glow.Mask\n"
+              "  input Bloom.Spare\n");
 }
 
 TEST(ExplainEdge, NoEdgeBypassesABoundary)
 {
     Frame f;
-    EXPECT_EQ(f.edge({f.blur, 0, true}, {0, f.picture, true}),
-              "An edge from the output Bloom/Blur.Color to the output Picture is refused: the "
-              "nodes are neither siblings nor a group and its child.\n");
+    EXPECT_EQ(
+        f.edge({f.blur, 0, true}, {0, f.picture, true}),
+        "An edge from the output Bloom/Blur.Color to the output Picture is refused: an output "
+        "feeds another only from a child to its group.\n");
+    EXPECT_EQ(f.edge({f.shadow, 0, true}, {f.bloom, 1, true}),
+              "An edge from the output Shadow.Map to the output Bloom.Spare is refused: an output "
+              "feeds another only from a child to its group.\n");
     EXPECT_EQ(f.edge({0, f.angle, false}, {f.glow, 1, false}),
-              "An edge from the parameter Angle to the input Bloom/Glow.Mask is refused: the nodes "
-              "are neither siblings nor a group and its child.\n");
+              "An edge from the parameter Angle to the input Bloom/Glow.Mask is refused: an input "
+              "feeds another only from a group to its child.\n");
     EXPECT_EQ(f.edge({f.bloom, 0, false}, {f.bloom, 1, true}),
               "An edge from the input Bloom.Scene to the output Bloom.Spare is refused: no edge "
               "leads from an input to an output.\n");
@@ -655,6 +721,19 @@ TEST(ExplainJson, TellsEdges)
     EXPECT_EQ(edge({f.shadow, 0, true}, {f.debug, 0, false}),
               R"({"fedBy":{"output":"LightMeter.Exposure"},"from":{"output":"Shadow.Map"},)"
               R"("made":false,"rule":"already-fed","to":{"input":"Debug.Exposure"}})");
+}
+
+TEST(ExplainText, IsAskedForByRef)
+{
+    Frame f;
+    Renderer& renderer = f.renderer;
+    const int node = f.debug;
+    //! [ask]
+    const Snapshot snapshot = Snapshot::of(renderer);
+    const Explainer explainer(snapshot);
+    const QString text = explainer.toText(explainer.node(node));
+    //! [ask]
+    EXPECT_EQ(text.toStdString(), f.node(f.debug));
 }
 
 // Whatever the graph
@@ -875,4 +954,75 @@ TEST(ExplainTotality, ExplanationsOfAnotherSnapshotAreAnsweredToo)
         EXPECT_NE(explainer.toText(edge), QString());
         EXPECT_FALSE(explainer.toJson(edge).isEmpty());
     }
+}
+
+namespace {
+
+/// The longest way that there is in the graph, told in full.
+template<typename Graph>
+void explainDeepest(Graph& graph)
+{
+    const Explainer explainer(graph.snapshot);
+    const NodeExplanation told = explainer.node(graph.deepest);
+    ASSERT_EQ(told.state, NodeExplanation::Scheduled);
+    ASSERT_FALSE(told.path.isEmpty());
+}
+
+/// The same without an output, so that the way is searched downstream.
+template<typename Graph>
+void explainUnneeded(Graph& graph)
+{
+    graph.snapshot.numOutputs = 0;
+    const Explainer explainer(graph.snapshot);
+    const NodeExplanation told = explainer.node(graph.deepest);
+    ASSERT_EQ(told.state, NodeExplanation::NotNeeded);
+    ASSERT_FALSE(told.nearestPath.isEmpty());
+}
+
+void explainCycle(LargeChain& chain)
+{
+    const int last = chain.snapshot.nodes.size() - 1;
+    chain.snapshot.nodes[last].outputs[0].destinations.clear();
+    chain.snapshot.nodes[chain.deepest].inputs.resize(1);
+    const Explainer explainer(chain.snapshot);
+    const EdgeExplanation told = explainer.edge({last, 0, true}, {chain.deepest, 0, false});
+    ASSERT_EQ(told.rule, EdgeExplanation::Cycle);
+    ASSERT_EQ(told.cycle.size(), 2 * last);
+}
+
+} // namespace
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfAChain)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainDeepest);
+}
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfAChainThatNothingNeeds)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInTheLengthOfACycle)
+{
+    expectLinearUpTo<LargeChain>(20000, &explainCycle);
+}
+
+TEST(ExplainGrowth, IsLinearInTheWidthOfAFan)
+{
+    expectLinearUpTo<LargeFan>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInThePortsOfAGroup)
+{
+    expectLinearUpTo<LargeGroup>(20000, &explainUnneeded);
+}
+
+TEST(ExplainGrowth, IsLinearInTheDepthOfGroups)
+{
+    expectLinearUpTo<LargeNest>(20000, &explainDeepest);
+}
+
+TEST(ExplainGrowth, IsLinearInTheDepthOfGroupsThatNothingNeeds)
+{
+    expectLinearUpTo<LargeNest>(20000, &explainUnneeded);
 }

@@ -81,8 +81,9 @@ struct EdgeExplanation
         AlreadyFed,
         LeavesGroup, ///< the oldest edge that leaves the output is not a regular one
         Cycle,
-        /// Neither siblings nor a group and its child. No call makes such an edge, but for an output
-        /// to an input: Graph::addEdge() does not ask, and what it makes carries nothing.
+        /// The nodes are not siblings, nor a group and its child where the ports would need it. No call
+        /// makes such an edge, but for one from an output to an input: Graph::addEdge() does not ask,
+        /// and what it makes does not carry that output.
         NotRelated
     };
 
