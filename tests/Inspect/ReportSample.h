@@ -49,6 +49,7 @@ public:
                 graph.addEdge(edge.srcNode, edge.srcIndex, edge.dstNode, edge.dstIndex);
         }
         trace.namePasses(renderer);
+        renderer.setup(nullptr);
         renderer.render(nullptr); // the one frame that sets all up
         trace.clear();
     }
