@@ -702,8 +702,8 @@ void DocumentReader::checkValues()
         if (value >= 0 && value < numPasses)
             report(entry.second, "value-names-pass",
                    QStringLiteral("the value ") + QString::number(value)
-                       + QStringLiteral(" names a pass: the document has ")
-                       + QString::number(numPasses) + QStringLiteral(", numbered from 0"));
+                       + QStringLiteral(" is the number of a pass: they are numbered from 0 to ")
+                       + QString::number(numPasses - 1));
     }
 }
 

@@ -293,12 +293,11 @@ private:
     bool isGroup(int node) const { return node > 0 && isLive(node) && !record(node).pass; }
     const NodeRecord& record(int node) const { return snapshot.node(node); }
     bool isRead(int number) const { return number >= 0 && at(read, number); }
-    bool isNeeded(int node) const { return node >= 0 && node < numNodes && at(needed, node); }
     /// The circumstances under which an output that nobody reads is as it should be.
     bool mayStayUnread(int node) const
     {
-        return (record(node).pass && (!record(node).enabled || !at(needed, node)))
-            || node == snapshot.target || isIdleGroup(node);
+        return (record(node).pass && !hasRunningPass(node)) || node == snapshot.target
+            || isIdleGroup(node);
     }
     bool isIdleGroup(int node) const { return isGroup(node) && !at(holdsPass, node); }
     bool isSoundChild(int node) const
@@ -320,6 +319,9 @@ private:
     QString edgeText(int edge) const;
     QString pathOf(int node) const
     {
+        if (node < 0 || node >= numNodes)
+            return QLatin1String("node ") + QString::number(node)
+                + QLatin1String(", which is none");
         return node == 0 ? QStringLiteral("the root") : paths.node(node);
     }
 
@@ -374,7 +376,8 @@ void Linter::report(Code code, const PortRef& port, const QString& text, int edg
 void Linter::reportEdge(Code code, int edge, const QString& text)
 {
     const int node = snapshot.edge(edge).dstNode;
-    findings.append({QLatin1String(kCodes[code].code), text, node, PortRef(), edge});
+    findings.append({QLatin1String(kCodes[code].code), text,
+                     node >= 0 && node < numNodes ? node : -1, PortRef(), edge});
 }
 
 /// Names an edge by its ends.
@@ -542,27 +545,27 @@ void Linter::checkParent(int node)
 
 void Linter::checkChildren(int node, Table<int>& listedBy)
 {
+    const auto complain = [this, node](const QLatin1String& what, const QString& child) {
+        report(HierarchyOutOfStep, node,
+               (node == 0 ? QStringLiteral("The root") : paths.node(node))
+                   + QLatin1String(" lists a child ") + what + QLatin1String(", ") + child
+                   + QLatin1Char('.'));
+    };
     for (const int child : record(node).children) {
-        const QString lister = node == 0 ? QStringLiteral("The root") : paths.node(node);
         if (child < 0 || child >= numNodes) {
-            report(HierarchyOutOfStep, node,
-                   lister + QLatin1String(" lists a child that does not exist, node ")
-                       + QString::number(child) + QLatin1Char('.'));
-        } else if (at(listedBy, child) == node) {
-            report(HierarchyOutOfStep, node,
-                   lister + QLatin1String(" lists a child twice, ") + pathOf(child)
-                       + QLatin1Char('.'));
-        } else if (record(child).removed) {
+            complain(QLatin1String("that does not exist"),
+                     QLatin1String("node ") + QString::number(child));
+            continue;
+        }
+        if (at(listedBy, child) == node)
+            complain(QLatin1String("twice"), pathOf(child));
+        else if (record(child).removed)
             report(RemovedButListed, child,
                    paths.node(child) + QLatin1String(" has been removed but is still a child of ")
                        + pathOf(node) + QLatin1Char('.'));
-        } else if (record(child).parent != node) {
-            report(HierarchyOutOfStep, node,
-                   lister + QLatin1String(" lists a child that has another parent, ")
-                       + pathOf(child) + QLatin1Char('.'));
-        }
-        if (child >= 0 && child < numNodes)
-            at(listedBy, child) = node;
+        else if (record(child).parent != node)
+            complain(QLatin1String("that has another parent"), pathOf(child));
+        at(listedBy, child) = node;
     }
 }
 
@@ -634,10 +637,10 @@ void Linter::checkPasses()
                        + QLatin1String(", which therefore takes the inputs of both."));
         if (!record(node).enabled)
             continue;
-        if (!at(needed, node)) {
+        if (!hasRunningPass(node)) {
             report(UnneededPass, node,
                    paths.node(node)
-                       + (isGroup(snapshot.target) && record(node).parent == snapshot.target
+                       + (isGroup(snapshot.target) && contains(snapshot.target, node)
                               ? QLatin1String(" never runs: a target that is a group asks for what "
                                               "feeds the group, not for what lies inside it.")
                               : QLatin1String(" never runs: neither an output of the renderer nor "

@@ -116,6 +116,8 @@ struct Paths::Impl
     QHash<QPair<int, QString>, QVector<int>> children;
     /// By node: its position among the siblings of its name.
     QVector<int> ordinals;
+    /// By node: its part of a path.
+    QVector<QString> segments;
     /// The ports of nodes with many of them; those of others are searched one by one.
     QHash<QPair<int, bool>, Positions> portIndex;
 };
@@ -145,6 +147,9 @@ Paths::Impl::Impl(const Snapshot& shown)
         if (siblings.size() == 1)
             ordinals[siblings.first()] = kUnique;
     }
+    segments.reserve(snapshot.nodes.size());
+    for (int node = 0; node < snapshot.nodes.size(); ++node)
+        segments.append(segment(node));
 }
 
 QString Paths::Impl::segment(int ref) const
@@ -198,18 +203,24 @@ QString Paths::node(int ref) const
 {
     // Parents that a compaction has left out of step may lead in a circle.
     const Snapshot& snapshot = impl->snapshot;
-    QStringList segments;
+    QVector<int> line;
+    int length = 0;
     int node = ref;
     for (int steps = snapshot.nodes.size(); node > 0 && node < snapshot.nodes.size(); --steps) {
-        if (steps == 0) {
-            segments = QStringList{impl->segment(ref), QStringLiteral("[circle]")};
-            break;
-        }
-        segments.append(impl->segment(node));
-        node = snapshot.node(node).parent;
+        if (steps == 0)
+            return QStringLiteral("[circle]/") + impl->segments.at(ref);
+        line.append(node);
+        length += impl->segments.at(node).size() + 1;
+        node = snapshot.nodes.at(node).parent;
     }
-    std::reverse(segments.begin(), segments.end());
-    return segments.join(QLatin1Char('/'));
+    QString path;
+    path.reserve(length);
+    for (int i = line.size() - 1; i >= 0; --i) {
+        path += impl->segments.at(line.at(i));
+        if (i > 0)
+            path += QLatin1Char('/');
+    }
+    return path;
 }
 
 QString Paths::input(int node, int index) const
