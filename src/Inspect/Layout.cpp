@@ -38,8 +38,8 @@ public:
     }
 
 private:
-    static const int kNotYet = -1;
-    static const int kNowhere = -2;
+    static constexpr int kNotYet = -1;
+    static constexpr int kNowhere = -2;
 
     void lose(const char* code, const QString& text, int node, int edge, bool gone = true)
     {

@@ -33,16 +33,20 @@ int run(const Arguments& arguments, Output& output)
 
 const Command& diffCommand()
 {
-    static const Command command{QStringLiteral("diff"),
-                                 QStringLiteral("OLD NEW"),
-                                 QStringLiteral("Tell what has changed from one graph to another"),
-                                 QString(),
-                                 {},
-                                 2,
-                                 2,
-                                 QStringLiteral("0 for no changes, 1 for some"),
-                                 QString(),
-                                 run};
+    static const Command command{
+        QStringLiteral("diff"),
+        QStringLiteral("OLD NEW"),
+        QStringLiteral("Tell what has changed from one graph to another"),
+        QString(),
+        {},
+        2,
+        2,
+        QStringLiteral("0 for no changes, 1 for some"),
+        QStringLiteral("$ orv diff scene.json new.json\n"
+                       "parameter-changed Angle: double 3e+01 -> double 45\n"
+                       "enabled-changed Grain: disabled -> enabled\n"
+                       "node-removed Overlay: pass of type OverlayPass -> nothing\n"),
+        run};
     return command;
 }
 

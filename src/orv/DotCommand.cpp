@@ -36,7 +36,7 @@ const Command& dotCommand()
                                  0,
                                  1,
                                  QStringLiteral("0 for a text"),
-                                 QString(),
+                                 QStringLiteral("$ orv dot scene.json >scene.dot\n"),
                                  run};
     return command;
 }

@@ -23,19 +23,21 @@ QByteArray DotProgram::draw(const QByteArray& text, const QString& format, int t
     process.closeWriteChannel();
     if (!process.waitForFinished(timeoutSeconds * 1000)) {
         if (process.error() != QProcess::Timedout)
-            throw Failure(program + QLatin1String(": ") + process.errorString());
+            throw Failure(QLatin1String("dot: ") + process.errorString());
         process.kill();
         process.waitForFinished();
-        throw Failure(program + QLatin1String(" has not finished within ")
+        throw Failure(QLatin1String("dot has not finished within ")
                       + QString::number(timeoutSeconds) + QLatin1String(" s"));
     }
     if (process.exitStatus() != QProcess::NormalExit)
-        throw Failure(program + QLatin1String(" has crashed"));
+        throw Failure(QStringLiteral("dot has crashed"));
     if (process.exitCode() != 0) {
         const QByteArray said = process.readAllStandardError();
-        throw Failure(program + QLatin1String(" has failed with exit code ")
-                      + QString::number(process.exitCode()) + QLatin1String(": ")
-                      + QString::fromUtf8(said.left(said.indexOf('\n'))));
+        QString told =
+            QLatin1String("dot has failed with exit code ") + QString::number(process.exitCode());
+        if (!said.isEmpty())
+            told += QLatin1String(": ") + QString::fromUtf8(said.left(said.indexOf('\n')));
+        throw Failure(told);
     }
     return process.readAllStandardOutput();
 }

@@ -234,7 +234,13 @@ const Command& explainCommand()
         1,
         3,
         QStringLiteral("0 for a pass that runs and an edge that is taken, 1 for others"),
-        QString(),
+        QStringLiteral(
+            "$ orv explain scene.json Grain\n"
+            "Grain does not run: it is disabled. The renderer's output Picture leads to it:\n"
+            "  output Picture\n"
+            "  output Tone.image\n"
+            "  input Tone.grain\n"
+            "  output Grain.noise\n"),
         run};
     return command;
 }

@@ -88,7 +88,8 @@ QString help(const Command& command)
     if (!command.text.isEmpty())
         text += QLatin1Char('\n') + command.text;
     text += QLatin1String("\nOptions:\n") + table(rows);
-    text += QLatin1String("\nExit status: ") + command.exitCodes + QLatin1String(", 2 trouble.\n");
+    text +=
+        QLatin1String("\nExit status: ") + command.exitCodes + QLatin1String(", 2 for trouble.\n");
     text += QLatin1String("\nExample:\n");
     const QStringList lines = command.example.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& line : lines)

@@ -85,16 +85,19 @@ int run(const Arguments& arguments, Output& output)
 
 const Command& lintCommand()
 {
-    static const Command command{QStringLiteral("lint"),
-                                 QStringLiteral("[FILE]"),
-                                 QStringLiteral("Tell what is allowed in a graph but seldom meant"),
-                                 QString(),
-                                 {},
-                                 0,
-                                 1,
-                                 QStringLiteral("0 for no findings, 1 for some"),
-                                 QString(),
-                                 run};
+    static const Command command{
+        QStringLiteral("lint"),
+        QStringLiteral("[FILE]"),
+        QStringLiteral("Tell what is allowed in a graph but seldom meant"),
+        QStringLiteral("A line for each finding: file:line:column: code: text\n"),
+        {{QStringLiteral("codes"), {}, QStringLiteral("list all codes and what they mean"), {}}},
+        0,
+        1,
+        QStringLiteral("0 for no findings, 1 for some"),
+        QStringLiteral("$ orv lint forgotten.json\n"
+                       "forgotten.json:8:9: unneeded-pass: Overlay never runs: neither an output "
+                       "of the renderer nor the target needs it.\n"),
+        run};
     return command;
 }
 

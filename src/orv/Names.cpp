@@ -18,30 +18,37 @@ namespace {
 
 const int kMostCandidates = 5;
 
-/// How many letters it takes to make one word of the other, but not more than `limit` + 1.
+/// How many letters it takes to make one word of the other, each put in, left out, replaced or swapped
+/// with its neighbour; `limit` + 1 if they are more than that.
 int distance(const QString& a, const QString& b, int limit)
 {
     const int tooFar = limit + 1;
     if (qAbs(a.size() - b.size()) > limit)
         return tooFar;
     // Row by row through the table of the distances of all beginnings, within `limit` of its diagonal.
+    QVector<int> beforeLast(b.size() + 1, tooFar);
+    QVector<int> last(b.size() + 1, tooFar);
     QVector<int> row(b.size() + 1, tooFar);
     for (int j = 0; j <= qMin(limit, b.size()); ++j)
         row[j] = j;
     for (int i = 1; i <= a.size(); ++i) {
+        beforeLast.swap(last);
+        last.swap(row);
         const int first = qMax(1, i - limit);
-        const int last = qMin(b.size(), i + limit);
-        int diagonal = row.at(first - 1);
-        row[first - 1] = first == 1 ? i : tooFar;
+        const int end = qMin(b.size(), i + limit);
+        row[first - 1] = first == 1 ? qMin(i, tooFar) : tooFar;
         int best = row.at(first - 1);
-        for (int j = first; j <= last; ++j) {
-            const int above = row.at(j);
-            const int replaced = diagonal + (a.at(i - 1) == b.at(j - 1) ? 0 : 1);
-            row[j] = qMin(tooFar, qMin(replaced, qMin(above, row.at(j - 1)) + 1));
-            diagonal = above;
-            best = qMin(best, row.at(j));
+        for (int j = first; j <= end; ++j) {
+            const bool same = a.at(i - 1) == b.at(j - 1);
+            int steps = qMin(last.at(j - 1) + (same ? 0 : 1), qMin(last.at(j), row.at(j - 1)) + 1);
+            if (i > 1 && j > 1 && a.at(i - 1) == b.at(j - 2) && a.at(i - 2) == b.at(j - 1))
+                steps = qMin(steps, beforeLast.at(j - 2) + 1);
+            row[j] = qMin(steps, tooFar);
+            best = qMin(best, steps);
         }
-        if (best > limit)
+        if (end < b.size())
+            row[end + 1] = tooFar;
+        if (best > limit && i > 1)
             return tooFar;
     }
     return row.at(b.size());
@@ -93,6 +100,12 @@ private:
     int limit;
     QVector<Hit> hits;
 };
+
+/// What stands on the command line, as it stands there.
+QString quoted(const QString& word)
+{
+    return QLatin1Char('"') + word + QLatin1Char('"');
+}
 
 QString listed(const QStringList& candidates)
 {
@@ -178,8 +191,8 @@ PortRef Names::onePort(const QString& path, const QVector<PortRef>& ports, bool 
 
 void Names::throwAmbiguous(const QString& path, const QStringList& meanings) const
 {
-    throw BadInput(file, "ambiguous-name", path + QLatin1String(" may mean ") + listed(meanings),
-                   meanings);
+    throw BadInput(file, "ambiguous-name",
+                   quoted(path) + QLatin1String(" may mean ") + listed(meanings), meanings);
 }
 
 void Names::throwUnknown(const QString& path, Kind kind) const
@@ -188,10 +201,14 @@ void Names::throwUnknown(const QString& path, Kind kind) const
     const QString nodePath = path.left(dot);
     const QVector<int> nodes = dot > 0 ? paths.findNodes(nodePath) : QVector<int>();
 
-    QString text = QLatin1String("there is no ") + nodePath;
+    QString text = QLatin1String(kind == Node            ? "there is no node "
+                                     : kind == Parameter ? "there is no parameter "
+                                     : dot > 0           ? "there is no node "
+                                                         : "there is no node or port ")
+        + quoted(nodePath);
     QStringList candidates;
     if (!nodes.isEmpty()) {
-        text = nodePath + QLatin1String(" has no port ") + path.mid(dot + 1);
+        text = nodePath + QLatin1String(" has no port ") + quoted(path.mid(dot + 1));
         candidates = nearestPorts(nodes.first(), path.mid(dot + 1));
     } else {
         if (kind != Parameter)

@@ -80,7 +80,9 @@ const Command& orderCommand()
         0,
         1,
         QStringLiteral("0 for a list, empty or not"),
-        QString(),
+        QStringLiteral("$ orv order clean.json\n"
+                       "1\tGeometry\tcolor=1\n"
+                       "2\tTone\timage=1\n"),
         run};
     return command;
 }

@@ -67,7 +67,7 @@ const Command& pictureCommand()
         0,
         1,
         QStringLiteral("0 for a picture"),
-        QString(),
+        QStringLiteral("$ orv picture -o scene.svg scene.json\n"),
         run};
     return command;
 }

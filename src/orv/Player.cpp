@@ -121,7 +121,7 @@ Player::Player(const Arguments& arguments, const Document& document, Inspect::Tr
     const auto makePass = [this, &paths, &node](const NodeRecord& record) -> RenderPass* {
         do
             ++node;
-        while (!played.node(node).pass);
+        while (node < played.nodes.size() && !played.node(node).pass);
         auto* pass = new PlayedPass(*this, node, record, behaviours.value(node));
         if (!trace)
             return pass;
@@ -169,9 +169,9 @@ void Player::readOptions(const Arguments& arguments, const Document& document)
         const QVariant given = parameterValue(word.mid(equals + 1), value);
         if (!given.isValid())
             throw BadInput(document.name, "bad-value",
-                           paths.input(0, parameter) + QLatin1String(" takes a ")
-                               + QLatin1String(value.typeName()) + QLatin1String(", not ")
-                               + word.mid(equals + 1));
+                           paths.input(0, parameter) + QLatin1String(" takes a value of type ")
+                               + QLatin1String(value.typeName()) + QLatin1String(", not \"")
+                               + word.mid(equals + 1) + QLatin1Char('"'));
         value = given;
     }
     if (arguments.has("staggered")) {

@@ -89,7 +89,7 @@ const Command& reportCommand()
         0,
         1,
         QStringLiteral("0 for a report"),
-        QString(),
+        QStringLiteral("$ orv report --frames 10 -o scene.html scene.json\n"),
         run};
     return command;
 }

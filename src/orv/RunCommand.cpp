@@ -150,8 +150,18 @@ const Command& runCommand()
             + Player::options(),
         0,
         1,
-        QStringLiteral("0 when all frames have gone well, 1 when one has failed"),
-        QString(),
+        QStringLiteral("0 for frames that went well, 1 for one that failed"),
+        QStringLiteral("$ orv run --fail Tone=3 clean.json\n"
+                       "setup\n"
+                       "  Geometry: setup\n"
+                       "  Tone: setup\n"
+                       "frame 1 failed\n"
+                       "  Geometry: beginFrame start endFrame\n"
+                       "  Tone: beginFrame start endFrame, error code 3\n"
+                       "  Picture = 117849884\n"
+                       "teardown\n"
+                       "  Geometry: teardown\n"
+                       "  Tone: teardown\n"),
         run};
     return command;
 }

@@ -15,6 +15,9 @@
 #include <csignal>
 #include <new>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Kestrin::Orv;
 using namespace Kestrin::Orv::Program;
 
@@ -68,10 +71,21 @@ int run(const QStringList& words, Output& output)
     return runCommandLine(*command, words.mid(1), output);
 }
 
+/// Where a standard stream is closed, another file would take its number. What stands in answers
+/// reading and writing with the same error.
+void keepStandardStreams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) == -1)
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
+    keepStandardStreams();
     // A reader that has gone is an error of write(), not the end.
     std::signal(SIGPIPE, SIG_IGN);
     // Names of files and in graphs are UTF-8 whatever the locale says.

@@ -1,18 +1,56 @@
 Findings are told with their places:
 
   $ orv lint scene.json
+  scene.json:6:9: unread-parameter: No pass reads the parameter Quality.
+  scene.json:20:9: duplicate-name: Bloom/Blur[1] has the name of an older sibling, Bloom/Blur[0], which is the only one that look-ups by name find.
+  scene.json:25:9: unneeded-pass: Overlay never runs: neither an output of the renderer nor the target needs it.
+  ? 1
 
 The same for programs:
 
   $ orv lint --json scene.json
+  {
+      "findings": [
+          {
+              "code": "unread-parameter",
+              "column": 9,
+              "file": "scene.json",
+              "line": 6,
+              "path": "Quality",
+              "text": "No pass reads the parameter Quality."
+          },
+          {
+              "code": "duplicate-name",
+              "column": 9,
+              "file": "scene.json",
+              "line": 20,
+              "path": "Bloom/Blur[1]",
+              "text": "Bloom/Blur[1] has the name of an older sibling, Bloom/Blur[0], which is the only one that look-ups by name find."
+          },
+          {
+              "code": "unneeded-pass",
+              "column": 9,
+              "file": "scene.json",
+              "line": 25,
+              "path": "Overlay",
+              "text": "Overlay never runs: neither an output of the renderer nor the target needs it."
+          }
+      ]
+  }
+  ? 1
 
 Nothing found:
 
   $ orv lint clean.json
   $ orv lint --json clean.json
+  {
+      "findings": [
+      ]
+  }
 
 Every code that findings may have is explained:
 
   $ orv lint --codes | grep '^unread-output'
+  unread-output: nobody reads an output
   $ orv lint --codes | cut -d: -f1 | sort -c
   $ orv lint --codes --json | grep -c '"code"' | xargs test 5 -lt

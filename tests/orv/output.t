@@ -1,14 +1,27 @@
 A reader that has gone is told in one line:
 
   $ ./make-chain 5000 >large.json; orv order large.json | true; echo ${PIPESTATUS[0]}
+  2
+  ! orv: cannot write standard output: Broken pipe
   $ orv run --frames 1000000 clean.json | head -1; echo ${PIPESTATUS[0]}
+  setup
+  2
+  ! orv: cannot write standard output: Broken pipe
 
 So is a device that is full, or no output at all:
 
   $ orv order clean.json >/dev/full
+  ! orv: cannot write standard output: No space left on device
+  ? 2
   $ orv --version >&-
+  ! orv: cannot write standard output: Bad file descriptor
+  ? 2
 
 A file is replaced as a whole, or not at all:
 
   $ echo old >kept.svg; orv picture -o kept.svg broken.json; cat kept.svg
+  old
+  ! broken.json:5:1: syntax: a comma or a closing bracket is expected here
   $ mkdir locked.svg; orv picture -o locked.svg scene.json
+  ! orv: cannot write locked.svg: Filename refers to a directory
+  ? 2

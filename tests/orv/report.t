@@ -1,9 +1,16 @@
 A report on standard output, or in a file:
 
   $ orv report scene.json | head -1
+  <!DOCTYPE html>
   $ orv report -o report.html scene.json && head -1 report.html
+  <!DOCTYPE html>
   $ orv report -o report.html --json scene.json
+  {
+      "file": "report.html"
+  }
   $ orv report --json scene.json | head -c 32
+  {
+      "html": "<!DOCTYPE html>\n(no line break)
 
 The same without frames are the same bytes:
 
@@ -12,17 +19,24 @@ The same without frames are the same bytes:
 Passes that have failed are shown:
 
   $ orv report --frames 1 --fail Tone=7 scene.json >failed.html; cmp -s failed.html 1.html
+  ? 1
 
 Without Graphviz, there is a report all the same:
 
-  $ PATH=$BIN orv report -o plain.html scene.json; grep -c '<svg' plain.html
-  $ orv report -o drawn.html scene.json; grep -c 'digraph' drawn.html
+  $ PATH=$BIN orv report -o plain.html scene.json; grep -c digraph plain.html
+  1
+  $ orv report -o drawn.html scene.json; grep -c digraph drawn.html
+  0
+  ? 1
 
 When Graphviz fails, that is told:
 
   $ mkdir fake; echo '#!/bin/sh
   > exit 3' >fake/dot; chmod +x fake/dot; PATH=$BIN:fake:/bin orv report -o failed.html scene.json
+  ! orv: dot has failed with exit code 3
 
 A file that cannot be written:
 
   $ orv report -o missing/report.html scene.json
+  ! orv: cannot write missing/report.html: No such file or directory
+  ? 2
