@@ -79,6 +79,22 @@ TEST_F(GalleryDocument, ReadAndWrittenAgainIsTheSame)
               first);
 }
 
+TEST_F(GalleryDocument, WithAMatrixOfItsOwnIsTheSameAgain)
+{
+    saved(QStringLiteral("plain.json"));
+    Document document(folder(QStringLiteral("plain.json")));
+    QJsonArray matrix;
+    for (int i = 0; i < 16; ++i)
+        matrix.append(i + 0.1);
+    document.setInput(QStringLiteral("GBuffer"), QStringLiteral("View"), QStringLiteral("default"),
+                      QJsonObject{{QStringLiteral("type"), QStringLiteral("QMatrix4x4")},
+                                  {QStringLiteral("value"), matrix}});
+    document.write(folder(QStringLiteral("edited.json")));
+    EXPECT_EQ(saved(QStringLiteral("again.json"),
+                    words("--graph") + QStringList{folder(QStringLiteral("edited.json"))}),
+              bytesOf(folder(QStringLiteral("edited.json"))));
+}
+
 TEST_F(GalleryDocument, WithATargetAndDisabledPassesIsTheSameAgain)
 {
     const QByteArray first = saved(QStringLiteral("first.json"),
@@ -108,7 +124,8 @@ TEST_F(GalleryDocument, IsTheSameWhetherPassesAreRecordedOrNot)
 
 TEST_F(GalleryDocument, IsWrittenBeforeTheFramesAreRendered)
 {
-    const QString file = folder(QStringLiteral("graph.json"));
+    // The folder of the pictures is made first, so that it can go there.
+    const QString file = folder(QStringLiteral("out/graph.json"));
     render(QStringLiteral("out"), words("--save-graph") + QStringList{file});
     EXPECT_EQ(bytesOf(file), bytesOf(QStringLiteral(GALLERY_GRAPH)));
     EXPECT_TRUE(QFileInfo::exists(folder(QStringLiteral("out/frame-0000.png"))));

@@ -187,6 +187,24 @@ TEST_F(GalleryEditedGraph, ShowsTheDefaultColorOfAnInputThatNothingFeeds)
     EXPECT_EQ(picture(QStringLiteral("out"), firstDebug).pixel(10, 10), qRgb(255, 128, 0));
 }
 
+TEST_F(GalleryEditedGraph, TakesAMatrixRowByRow)
+{
+    // A camera that looks at the model from the front.
+    Document document = builtIn();
+    document.rewire(QStringLiteral("Cameras.View -> GBuffer.View"));
+    document.setInput(QStringLiteral("GBuffer"), QStringLiteral("View"), QStringLiteral("default"),
+                      QJsonObject{{QStringLiteral("type"), QStringLiteral("QMatrix4x4")},
+                                  {QStringLiteral("value"),
+                                   QJsonArray{1, 0, 0, 0,  //
+                                              0, 1, 0, 0,  //
+                                              0, 0, 1, -4, //
+                                              0, 0, 0, 1}}});
+    renderWith(document, QStringLiteral("out"));
+    // The upper left of the debug view's pictures, of the surfaces' own colors.
+    const QRgb block = picture(QStringLiteral("out"), firstDebug).pixel(41, 38);
+    EXPECT_GT(qBlue(block), qRed(block) + 50);
+}
+
 TEST_F(GalleryEditedGraph, IsRenderedWithoutADebugView)
 {
     Document document = builtIn();
