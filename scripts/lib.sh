@@ -16,7 +16,7 @@ package_packages=(
 )
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
-    abigail-tools chromium "${package_packages[@]}"
+    abigail-tools chromium python3-jsonschema "${package_packages[@]}"
 )
 check_packages=(
     git clang-format-14 clang-tidy-14

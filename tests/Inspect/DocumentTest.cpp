@@ -9,6 +9,9 @@
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QtNumeric>
 
 #include <cstring>
@@ -467,4 +470,35 @@ TEST(Document, TakesCyclesThatAGraphTakes)
         R"("nodes":[{"path":"A","inputs":["i"],"outputs":["o"]},{"path":"G","inputs":["i"],"outputs":["o"]},)"
         R"({"path":"G/B","outputs":["o"]}],"edges":["G/B.o -> G.o","G.o -> A.i","A.o -> G.i"])"));
     EXPECT_EQ(listed(read.problems), "");
+}
+
+TEST(Document, OfEveryFileIsTheSameAfterReadingBuildingAndWriting)
+{
+    const QDir directory(QString::fromUtf8(ORV_TEST_DOCUMENTS));
+    const QFileInfoList files = directory.entryInfoList({QStringLiteral("*.json")});
+    EXPECT_FALSE(files.isEmpty());
+    for (const QFileInfo& info : files) {
+        SCOPED_TRACE(info.fileName().toStdString());
+        QFile file(info.filePath());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        const ReadResult read = readDocument(text);
+        EXPECT_EQ(listed(read.problems), "");
+        Renderer renderer;
+        EXPECT_EQ(listed(buildRenderer(read.snapshot, renderer, PassFactory::standIns())), "");
+        EXPECT_EQ(writeDocument(Snapshot::of(renderer)).toStdString(), text.toStdString());
+    }
+}
+
+TEST(Document, IsRefusedWhereItsSchemaRefusesIt)
+{
+    const QDir directory(QString::fromUtf8(ORV_TEST_DOCUMENTS) + QStringLiteral("/invalid"));
+    const QFileInfoList files = directory.entryInfoList({QStringLiteral("*.json")});
+    EXPECT_FALSE(files.isEmpty());
+    for (const QFileInfo& info : files) {
+        QFile file(info.filePath());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_FALSE(readDocument(file.readAll()).problems.isEmpty())
+            << info.fileName().toStdString();
+    }
 }
