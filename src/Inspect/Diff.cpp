@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Inspect/Diff.h>
 
 #include "PortNumbers.h"
+#include "Values.h"
 
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
@@ -23,6 +24,48 @@ namespace Orv {
 namespace Inspect {
 
 namespace {
+
+/// All codes. Everything that is reported takes its code from here.
+enum Code {
+    DefaultChanged,
+    EnabledChanged,
+    InputAdded,
+    InputRemoved,
+    InputRenamed,
+    InputRewired,
+    InputsReordered,
+    NodeAdded,
+    NodeMoved,
+    NodeRemoved,
+    NodeRenamed,
+    NodeValueChanged,
+    OutputAdded,
+    OutputRemoved,
+    OutputRenamed,
+    OutputRewired,
+    OutputsReordered,
+    ParameterAdded,
+    ParameterChanged,
+    ParameterRemoved,
+    ParameterRenamed,
+    ParametersReordered,
+    PortGroupChanged,
+    PortGroupsChanged,
+    TargetChanged,
+    TypeChanged,
+    NumCodes
+};
+
+const char* const kCodes[] = {
+    "default-changed",   "enabled-changed",      "input-added",        "input-removed",
+    "input-renamed",     "input-rewired",        "inputs-reordered",   "node-added",
+    "node-moved",        "node-removed",         "node-renamed",       "node-value-changed",
+    "output-added",      "output-removed",       "output-renamed",     "output-rewired",
+    "outputs-reordered", "parameter-added",      "parameter-changed",  "parameter-removed",
+    "parameter-renamed", "parameters-reordered", "port-group-changed", "port-groups-changed",
+    "target-changed",    "type-changed",
+};
+static_assert(sizeof kCodes / sizeof *kCodes == NumCodes, "a text for each code");
 
 // Texts
 
@@ -55,17 +98,22 @@ QByteArray bytesOf(const QVariant& value)
 {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
-    if (value.userType() == qMetaTypeId<ForeignValue>()) {
-        const auto foreign = value.value<ForeignValue>();
-        stream << foreign.type << compactJson(foreign.value);
-    } else if (!QMetaType::save(stream, value.userType(), value.constData())) {
-        return QByteArray();
-    }
-    return bytes;
+    return QMetaType::save(stream, value.userType(), value.constData()) ? bytes : QByteArray();
+}
+
+bool isForeign(const QVariant& value)
+{
+    return value.userType() == qMetaTypeId<ForeignValue>();
 }
 
 bool isSame(const QVariant& a, const QVariant& b)
 {
+    if (isForeign(a) || isForeign(b)) {
+        QJsonObject writtenA;
+        QJsonObject writtenB;
+        return writeValue(a, ValueTypes(), writtenA) == writeValue(b, ValueTypes(), writtenB)
+            && writtenA == writtenB;
+    }
     if (a.userType() != b.userType())
         return false;
     if (!a.isValid())
@@ -74,8 +122,9 @@ bool isSame(const QVariant& a, const QVariant& b)
     const QByteArray bytes = bytesOf(a);
     if (!bytes.isNull() && bytes == bytesOf(b))
         return true;
-    // The order of a hash is a matter of chance.
-    return (bytes.isNull() || a.userType() == QMetaType::QVariantHash) && a == b;
+    if (bytes.isNull())
+        return !QMetaType::hasRegisteredComparators(a.userType()) || a == b;
+    return a.userType() == QMetaType::QVariantHash && a == b; // in an order of its own
 }
 
 /// The shortest text that is read as the same number again.
@@ -84,8 +133,10 @@ QString shortest(Number number, int maxDigits)
 {
     if (std::isnan(number))
         return QStringLiteral("nan");
+    if (number == 0)
+        return std::signbit(number) ? QStringLiteral("-0") : QStringLiteral("0");
     for (int digits = 1; digits < maxDigits; ++digits) {
-        const QString text = QString::number(static_cast<double>(number), 'g', digits);
+        QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (static_cast<Number>(text.toDouble()) == number)
             return text;
     }
@@ -110,7 +161,8 @@ QString plainText(const QVariant& value)
     if (value.canConvert(QMetaType::QString) && value.userType() != QMetaType::QByteArray)
         return QString::fromUtf8(compactJson(value.toString()));
     const int numShown = 64;
-    const QByteArray bytes = bytesOf(value);
+    const QByteArray bytes =
+        value.userType() == QMetaType::QByteArray ? value.toByteArray() : bytesOf(value);
     return QString::fromLatin1(bytes.left(numShown).toHex())
         + QLatin1String(bytes.size() > numShown ? "..." : "");
 }
@@ -120,7 +172,7 @@ QString valueText(const QVariant& value)
 {
     if (!value.isValid())
         return QStringLiteral("invalid");
-    if (value.userType() == qMetaTypeId<ForeignValue>()) {
+    if (isForeign(value)) {
         const auto foreign = value.value<ForeignValue>();
         return oneLine(foreign.type) + QLatin1Char(' ')
             + QString::fromUtf8(compactJson(foreign.value));
@@ -332,13 +384,23 @@ private:
 
     void matchPorts(int older, int newer, bool isOutput)
     {
+        const QVector<PortRecord>& olderPorts = before.portsOf(older, isOutput);
+        const QVector<PortRecord>& newerPorts = after.portsOf(newer, isOutput);
+        const auto isNamedAlike = [](const PortRecord& a, const PortRecord& b) {
+            return a.name == b.name;
+        };
+        if (olderPorts.size() == newerPorts.size()
+            && std::equal(olderPorts.begin(), olderPorts.end(), newerPorts.begin(), isNamedAlike)) {
+            for (int i = 0; i < newerPorts.size(); ++i)
+                setPortMatch({older, i, isOutput}, {newer, i, isOutput});
+            return;
+        }
+
         QHash<Ordinal, int> byName;
         Ordinals ordinals;
-        const QVector<PortRecord>& olderPorts = before.portsOf(older, isOutput);
         for (int i = 0; i < olderPorts.size(); ++i)
             byName.insert(ordinals.next(olderPorts.at(i).name), i);
         Ordinals newerOrdinals;
-        const QVector<PortRecord>& newerPorts = after.portsOf(newer, isOutput);
         for (int i = 0; i < newerPorts.size(); ++i) {
             const auto port = byName.constFind(newerOrdinals.next(newerPorts.at(i).name));
             if (port != byName.constEnd())
@@ -420,12 +482,14 @@ private:
         }
     }
 
-    /// Renamed children: of those alike, the ones whose connections agree most.
+    /// Renamed children: of those alike, the ones whose connections and children agree most.
     void matchByVotes(const Pair& parents)
     {
         // What each output fed, for the older nodes that are left.
         using Feed = QPair<QPair<int, int>, QPair<int, int>>; // node and port, direction and input
         QHash<Feed, Table<int>> readers;
+        using Look = QPair<QString, int>; // name and shape
+        QHash<Look, Table<int>> holders;  // of children that look so
         bool hasOlder = false;
         for (const int child : childrenOf(before, parents.older)) {
             if (before.isMatched(child))
@@ -436,6 +500,8 @@ private:
                 if (source.node >= 0 && before.isMatched(source.node))
                     readers[{{source.node, source.index}, {source.isOutput, i}}].push_back(child);
             }
+            for (const int inner : childrenOf(before, child))
+                holders[{before.node(inner).name, at(shapesBefore, inner)}].push_back(child);
         }
         if (!hasOlder)
             return;
@@ -446,7 +512,7 @@ private:
             int votes;
         };
         Table<Candidate> candidates;
-        const std::size_t manyReaders = 8;
+        const std::size_t tooMany = 8; // tell too little to be worth the time
         for (const int child : childrenOf(after, parents.newer)) {
             if (after.isMatched(child))
                 continue;
@@ -464,7 +530,7 @@ private:
                     continue;
                 const auto found =
                     readers.constFind({{source.node, source.index}, {source.isOutput, i}});
-                if (found != readers.constEnd() && found->size() <= manyReaders)
+                if (found != readers.constEnd() && found->size() <= tooMany)
                     std::for_each(found->begin(), found->end(), vote);
             }
             for (int i = 0; i < after.node(child).outputs.size(); ++i) {
@@ -474,6 +540,12 @@ private:
                     if (source.node >= 0 && source.isOutput && source.index == i)
                         vote(source.node);
                 }
+            }
+            for (const int inner : childrenOf(after, child)) {
+                const auto found =
+                    holders.constFind({after.node(inner).name, at(shapesAfter, inner)});
+                if (found != holders.constEnd() && found->size() <= tooMany)
+                    std::for_each(found->begin(), found->end(), vote);
             }
             for (const int older : voted)
                 candidates.push_back({{older, child}, votes.value(older)});
@@ -679,20 +751,24 @@ public:
             if (after.isMatched(node))
                 compareNodes(at(after.matches, node), node);
             else
-                add("node-added", after.paths.node(node), QString(), kindText(after.node(node)));
+                add(NodeAdded, after.paths.node(node), QString(), kindText(after.node(node)));
         }
         for (const int node : before.order) {
             if (!before.isMatched(node))
-                add("node-removed", before.paths.node(node), kindText(before.node(node)),
-                    QString());
+                add(NodeRemoved, before.paths.node(node), kindText(before.node(node)), QString());
         }
         return changes;
     }
 
 private:
-    void add(const char* code, const QString& path, const QString& was, const QString& is)
+    void add(Code code, const QString& path, const QString& was, const QString& is)
     {
-        changes.append({QLatin1String(code), path, was, is});
+        changes.append({QLatin1String(kCodes[code]), path, was, is});
+    }
+
+    void addNode(Code code, int newer, const QString& was, const QString& is)
+    {
+        add(code, after.paths.node(newer), was, is);
     }
 
     static QString kindText(const NodeRecord& node)
@@ -709,7 +785,7 @@ private:
         const int newer = after.isShown(after.snapshot.target) ? after.snapshot.target : -1;
         const bool same = newer < 0 ? older < 0 : at(after.matches, newer) == older;
         if (!same)
-            add("target-changed", QString(), targetText(before, older), targetText(after, newer));
+            add(TargetChanged, QString(), targetText(before, older), targetText(after, newer));
     }
 
     static QString targetText(const Side& side, int node)
@@ -721,21 +797,18 @@ private:
     {
         const NodeRecord& was = before.node(older);
         const NodeRecord& is = after.node(newer);
-        const QString path = after.paths.node(newer);
-        if (newer != 0) {
-            if (at(before.matches, was.parent) != is.parent)
-                add("node-moved", path, before.paths.node(older), path);
-            if (was.name != is.name)
-                add("node-renamed", path, nameText(was.name), nameText(is.name));
-        }
+        if (newer != 0 && at(before.matches, was.parent) != is.parent)
+            addNode(NodeMoved, newer, before.paths.node(older), after.paths.node(newer));
+        if (was.name != is.name)
+            addNode(NodeRenamed, newer, nameText(was.name), nameText(is.name));
         if (was.type != is.type)
-            add("type-changed", path, oneLine(was.type), oneLine(is.type));
+            addNode(TypeChanged, newer, oneLine(was.type), oneLine(is.type));
         if (is.pass && was.enabled != is.enabled)
-            add("enabled-changed", path, enabledText(was), enabledText(is));
+            addNode(EnabledChanged, newer, enabledText(was), enabledText(is));
         if (!is.pass && was.value != is.value)
-            add("node-value-changed", path, QString::number(was.value), QString::number(is.value));
+            addNode(NodeValueChanged, newer, QString::number(was.value), QString::number(is.value));
         if (was.groups != is.groups)
-            add("port-groups-changed", path, namesText(was.groups), namesText(is.groups));
+            addNode(PortGroupsChanged, newer, namesText(was.groups), namesText(is.groups));
         comparePorts(older, newer, false);
         comparePorts(older, newer, true);
     }
@@ -755,20 +828,18 @@ private:
 
     struct Codes
     {
-        const char* added;
-        const char* removed;
-        const char* renamed;
-        const char* reordered;
+        Code added;
+        Code removed;
+        Code renamed;
+        Code reordered;
     };
 
     static const Codes& codesOf(int node, bool isOutput)
     {
-        static const Codes inputs{"input-added", "input-removed", "input-renamed",
-                                  "inputs-reordered"};
-        static const Codes outputs{"output-added", "output-removed", "output-renamed",
-                                   "outputs-reordered"};
-        static const Codes parameters{"parameter-added", "parameter-removed", "parameter-renamed",
-                                      "parameters-reordered"};
+        static const Codes inputs{InputAdded, InputRemoved, InputRenamed, InputsReordered};
+        static const Codes outputs{OutputAdded, OutputRemoved, OutputRenamed, OutputsReordered};
+        static const Codes parameters{ParameterAdded, ParameterRemoved, ParameterRenamed,
+                                      ParametersReordered};
         return isOutput ? outputs : node == 0 ? parameters : inputs;
     }
 
@@ -804,7 +875,7 @@ private:
             QVector<QString> was;
             for (const int index : order)
                 was.append(olderPorts.at(index).name);
-            add(codes.reordered, after.paths.node(newer), namesText(was), namesText(is));
+            addNode(codes.reordered, newer, namesText(was), namesText(is));
         }
     }
 
@@ -826,13 +897,13 @@ private:
         const PortRef olderFeeder = before.feeder(older);
         const PortRef newerFeeder = after.feeder(newer);
         if (!isSamePort(olderFeeder, newerFeeder))
-            add(newer.isOutput ? "output-rewired" : "input-rewired", after.paths.port(newer),
+            add(newer.isOutput ? OutputRewired : InputRewired, after.paths.port(newer),
                 before.text(olderFeeder), after.text(newerFeeder));
         if (newer.node == 0 && !newer.isOutput)
-            compareValues("parameter-changed", newer, before.snapshot.parameters.value(older.index),
+            compareValues(ParameterChanged, newer, before.snapshot.parameters.value(older.index),
                           after.snapshot.parameters.value(newer.index));
         else if (!newer.isOutput)
-            compareValues("default-changed", newer, was.defaultValue, is.defaultValue);
+            compareValues(DefaultChanged, newer, was.defaultValue, is.defaultValue);
         comparePortGroups(older.node, was.group, newer, is.group);
     }
 
@@ -847,8 +918,7 @@ private:
             && newer.index == older.index && newer.isOutput == older.isOutput;
     }
 
-    void compareValues(const char* code, const PortRef& port, const QVariant& was,
-                       const QVariant& is)
+    void compareValues(Code code, const PortRef& port, const QVariant& was, const QVariant& is)
     {
         if (!isSame(was, is))
             add(code, after.paths.port(port), valueText(was), valueText(is));
@@ -861,7 +931,7 @@ private:
         const QString wasText = groupText(olderNames, was);
         const QString isText = groupText(newerNames, is);
         if (wasText != isText || (was != is && olderNames == newerNames))
-            add("port-group-changed", after.paths.port(port), wasText, isText);
+            add(PortGroupChanged, after.paths.port(port), wasText, isText);
     }
 
     static QString groupText(const QVector<QString>& names, int group)
@@ -879,6 +949,14 @@ private:
 };
 
 } // namespace
+
+QVector<QString> diffCodes()
+{
+    QVector<QString> codes;
+    for (const char* code : kCodes)
+        codes.append(QLatin1String(code));
+    return codes;
+}
 
 QVector<Change> diff(const Snapshot& before, const Snapshot& after)
 {
