@@ -136,7 +136,7 @@ QString shortest(Number number, int maxDigits)
     if (number == 0)
         return std::signbit(number) ? QStringLiteral("-0") : QStringLiteral("0");
     for (int digits = 1; digits < maxDigits; ++digits) {
-        const QString text = QString::number(static_cast<double>(number), 'g', digits);
+        QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (static_cast<Number>(text.toDouble()) == number)
             return text;
     }

@@ -54,8 +54,8 @@ private:
 };
 
 /// By vertex: the number of its strongly connected component; -1 where it is alone in it. Tarjan's
-/// algorithm, with the path on a list of its own.
-std::vector<int> circlesOf(const Arrows& arrows, int numVertices)
+/// algorithm, with the path on a list of its own. Also tells in which order it has left the vertices.
+std::vector<int> componentsOf(const Arrows& arrows, int numVertices, std::vector<int>& finished)
 {
     const auto at = [](auto& list, int i) -> auto&
     {
@@ -74,7 +74,9 @@ std::vector<int> circlesOf(const Arrows& arrows, int numVertices)
     std::vector<int> stack;
     std::vector<Step> path;
     int numFound = 0;
+    int numFinished = 0;
     int numCircles = 0;
+    finished.assign(size, -1);
 
     const auto enter = [&](int vertex) {
         at(found, vertex) = at(lowest, vertex) = numFound++;
@@ -96,6 +98,7 @@ std::vector<int> circlesOf(const Arrows& arrows, int numVertices)
                 continue;
             }
             path.pop_back();
+            at(finished, vertex) = numFinished++;
             if (!path.empty()) {
                 int& above = at(lowest, path.back().vertex);
                 above = std::min(above, at(lowest, vertex));
@@ -111,19 +114,37 @@ std::vector<int> circlesOf(const Arrows& arrows, int numVertices)
                 if (!alone)
                     at(circles, member) = numCircles;
             } while (member != vertex);
-            ++numCircles;
+            numCircles += !alone;
         }
     }
     return circles;
+}
+
+// Each node has two vertices.
+int inputsOf(int node)
+{
+    return 2 * node;
+}
+
+int outputsOf(int node)
+{
+    return 2 * node + 1;
 }
 
 } // namespace
 
 EdgeCheck::EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates)
     : snapshot(target)
+    , circles(circlesOf(target, candidates, finished))
+    , closed(circles.size(), false)
+    , order(finished)
     , lastSearch(static_cast<std::size_t>(target.nodes.size()), 0)
 {
-    findCircles(candidates);
+    for (int node = 0; node < snapshot.nodes.size(); ++node) {
+        const Arrow through{outputsOf(node), inputsOf(node)};
+        if (closesCircle(through))
+            giveUpOn(through);
+    }
 }
 
 EdgeKind EdgeCheck::kindOf(const Snapshot& snapshot, int srcNode, int dstNode)
@@ -149,46 +170,57 @@ PortRef EdgeCheck::destination(const EdgeRecord& edge, EdgeKind kind)
     return {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up};
 }
 
-/// Each node has two vertices: its inputs, 2n, and its outputs, 2n + 1. An arrow leads to what a
-/// search upstream may reach next, by any of the edges there will ever be, and from each node's
-/// outputs to its inputs, whether it is a pass or a group. A search that begins at a node's inputs
-/// reaches no node whose outputs these arrows do not lead to. So an edge that the search refuses closes a
-/// circle of arrows.
-void EdgeCheck::findCircles(const QVector<EdgeRecord>& candidates)
+EdgeCheck::Arrow EdgeCheck::arrowOf(const EdgeRecord& edge, EdgeKind kind)
 {
-    const int numNodes = snapshot.nodes.size();
-    const auto inputs = [](int node) { return 2 * node; };
-    const auto outputs = [](int node) { return 2 * node + 1; };
-    Arrows arrows(2 * numNodes);
-    for (int node = 0; node < numNodes; ++node)
-        arrows.add(outputs(node), inputs(node));
-    for (const EdgeRecord& edge : candidates) {
-        const int src = edge.srcNode;
-        const int dst = edge.dstNode;
-        if (src < 0 || src >= numNodes || dst < 0 || dst >= numNodes)
-            continue;
-        switch (kindOf(snapshot, src, dst)) {
-        case EdgeKind::Regular:
-            arrows.add(inputs(dst), outputs(src));
-            break;
-        case EdgeKind::Down:
-            arrows.add(inputs(dst), inputs(src));
-            break;
-        case EdgeKind::Up:
-            arrows.add(outputs(dst), outputs(src));
-            break;
-        case EdgeKind::None:
-            break;
-        }
+    switch (kind) {
+    case EdgeKind::Regular:
+        return {inputsOf(edge.dstNode), outputsOf(edge.srcNode)};
+    case EdgeKind::Down:
+        return {inputsOf(edge.dstNode), inputsOf(edge.srcNode)};
+    case EdgeKind::Up:
+        return {outputsOf(edge.dstNode), outputsOf(edge.srcNode)};
+    case EdgeKind::None:
+        break;
     }
-    arrows.sort();
-    circles = circlesOf(arrows, 2 * numNodes);
+    return {-1, -1};
 }
 
-bool EdgeCheck::inOneCircle(int nodeA, int nodeB) const
+/// Arrows lead along all the edges there will ever be, and from each node's outputs to its inputs,
+/// whether it is a pass or a group. A search that begins at a node's inputs reaches no node whose
+/// outputs these arrows do not lead to. So an edge that the search refuses closes a circle of arrows.
+std::vector<int> EdgeCheck::circlesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
+                                      std::vector<int>& finished)
 {
-    const int circle = circles[static_cast<std::size_t>(2 * nodeA)];
-    return circle >= 0 && circle == circles[static_cast<std::size_t>(2 * nodeB)];
+    const int numNodes = target.nodes.size();
+    Arrows arrows(2 * numNodes);
+    for (int node = 0; node < numNodes; ++node)
+        arrows.add(outputsOf(node), inputsOf(node));
+    for (const EdgeRecord& edge : candidates) {
+        const EdgeKind kind = kindOf(target, edge.srcNode, edge.dstNode);
+        if (edge.srcNode < 0 || edge.srcNode >= numNodes || edge.dstNode < 0
+            || edge.dstNode >= numNodes || kind == EdgeKind::None)
+            continue;
+        const Arrow arrow = arrowOf(edge, kind);
+        arrows.add(arrow.from, arrow.to);
+    }
+    arrows.sort();
+    return componentsOf(arrows, 2 * numNodes, finished);
+}
+
+/// Whether an arrow closes a circle with those before it, as far as that is known. If not, it is one
+/// of those before the next.
+bool EdgeCheck::closesCircle(const Arrow& arrow)
+{
+    const int circle = circles[static_cast<std::size_t>(arrow.from)];
+    if (circle < 0 || circle != circles[static_cast<std::size_t>(arrow.to)])
+        return false;
+    return closed[static_cast<std::size_t>(circle)] || !order.add(arrow.from, arrow.to);
+}
+
+/// From now on, its circle is searched for every edge.
+void EdgeCheck::giveUpOn(const Arrow& arrow)
+{
+    closed[static_cast<std::size_t>(circles[static_cast<std::size_t>(arrow.from)])] = true;
 }
 
 /// As Graph::precedes() with followHierarchy. Remembers how it got there.
@@ -268,10 +300,14 @@ EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
         const QVector<int>& leaving = left->at(edge.srcIndex).destinations;
         if (!leaving.isEmpty() && snapshot.kindOf(leaving.first()) != EdgeKind::Regular)
             return LeavesGroup;
-        if (inOneCircle(edge.srcNode, edge.dstNode) && precedes(edge.dstNode, edge.srcNode)) {
+    }
+    const Arrow arrow = arrowOf(edge, kind);
+    if (closesCircle(arrow)) {
+        if (kind == EdgeKind::Regular && precedes(edge.dstNode, edge.srcNode)) {
             refused = edge;
             return Cycle;
         }
+        giveUpOn(arrow);
     }
 
     const int ref = snapshot.edges.size();

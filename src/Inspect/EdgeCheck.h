@@ -4,6 +4,8 @@
 #ifndef KESTRIN_ORV_INSPECT_EDGECHECK_H
 #define KESTRIN_ORV_INSPECT_EDGECHECK_H
 
+#include "ArrowOrder.h"
+
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 
@@ -17,8 +19,9 @@ namespace Inspect {
 /// one follows from the nodes at its ends.
 ///
 /// The graph searches everything upstream for each edge. Here that is done only where it may find
-/// something: a relation that holds more than the graph's own is looked through for circles once,
-/// and edges outside of them close none.
+/// something: all edges are looked through for circles once, in a relation that holds more than the
+/// graph's own. Those outside of circles close none, and of the others, those that do not complete
+/// a circle of this relation.
 class EdgeCheck
 {
 public:
@@ -42,12 +45,24 @@ public:
     QVector<PortRef> cycle() const;
 
 private:
-    void findCircles(const QVector<EdgeRecord>& candidates);
-    bool inOneCircle(int nodeA, int nodeB) const;
+    /// From a vertex to one that a search upstream may reach next.
+    struct Arrow
+    {
+        int from;
+        int to;
+    };
+    static Arrow arrowOf(const EdgeRecord& edge, EdgeKind kind);
+    static std::vector<int> circlesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
+                                      std::vector<int>& finished);
+    bool closesCircle(const Arrow& arrow);
+    void giveUpOn(const Arrow& arrow);
     bool precedes(int upstream, int downstream);
 
     Snapshot& snapshot;
-    std::vector<int> circles; // by node: the circle of its inputs; -1 for none
+    std::vector<int> finished; // by vertex: the order in which the search for circles left them
+    std::vector<int> circles;  // by vertex: the circle that it may be part of; -1 for none
+    std::vector<bool> closed;  // by circle: whether it is one, of edges that the graph takes
+    ArrowOrder order;          // of the accepted edges in the others
 
     // The last search: which nodes it has reached, and through which input of which.
     struct Step

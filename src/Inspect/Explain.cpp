@@ -214,10 +214,10 @@ struct Explainer::Impl
 
     QVector<PortRef> pathTo(int node, int& output) const;
     QVector<PortRef> cycleOf(const PortRef& from, const PortRef& to) const;
-    PortRef sourceOf(int edge) const;
-    PortRef destinationOf(int edge) const;
+    PortRef sourceOf(int ref) const;
+    PortRef destinationOf(int ref) const;
 
-    QString nameOf(int node) const;
+    QString nameOf(int ref) const;
     QString nameOf(const PortRef& port) const;
     QString listed(const QVector<PortRef>& ports) const;
     QString hint(const NodeExplanation& explanation) const;
@@ -313,7 +313,7 @@ InputExplanation Explainer::input(int node, int index) const
 
     PortRef& end = explanation.end;
     climb(snapshot, end, explanation.path);
-    if (end.node == kRoot && (node == kRoot || explanation.path.size() > 1)) {
+    if (end.node == kRoot) {
         explanation.source = InputExplanation::Parameter;
         explanation.parameter = end.index;
         explanation.value = lookUp(snapshot.parameters, end.index);

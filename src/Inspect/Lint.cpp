@@ -316,7 +316,7 @@ private:
         return node >= 0 && node < numNodes && snapshot.isLivePass(node) && at(needed, node);
     }
     int firstLedTo(const PortRecord& port) const;
-    QString edgeText(int edge) const;
+    QString edgeText(int ref) const;
     QString pathOf(int node) const
     {
         if (node < 0 || node >= numNodes)
@@ -419,7 +419,7 @@ void Linter::climbHierarchy()
             node >= 0 && node < numNodes && (at(state, node) == OnTheWay || at(circular, node));
         for (; !way.empty(); way.pop_back()) {
             at(state, way.back()) = Sound;
-            at(circular, way.back()) = inCircle;
+            at(circular, way.back()) = inCircle ? 1 : 0;
             order.push_back(way.back());
         }
     }

@@ -46,7 +46,7 @@ public:
     void close()
     {
         clear();
-        closed = true;
+        capacity = 0;
         clock = nullptr;
         std::vector<TraceEvent>().swap(events);
     }
@@ -89,9 +89,7 @@ public:
         closeFrame(lastTime);
         frame = numFrames;
         frameEvent = begin(TraceEvent::Frame, -1);
-        if (frameEvent == kNone)
-            frame = -1;
-        else
+        if (frameEvent != kNone)
             ++numFrames;
     }
 
@@ -148,15 +146,19 @@ private:
 
     qint64 now()
     {
-        // Unsigned: a host's clock may be anywhere.
-        const auto time = static_cast<quint64>(clock ? clock() : steadyTime());
-        lastTime = std::max(lastTime, static_cast<qint64>(time - static_cast<quint64>(origin)));
+        const qint64 time = clock ? clock() : steadyTime();
+        // A host's clock may tell anything; the difference may be more than fits.
+        if (time > origin) {
+            lastTime = std::max(
+                lastTime,
+                static_cast<qint64>(static_cast<quint64>(time) - static_cast<quint64>(origin)));
+        }
         return lastTime;
     }
 
     bool fits()
     {
-        if (closed || events.size() >= capacity)
+        if (events.size() >= capacity)
             ++numDropped;
         return numDropped == 0;
     }
@@ -189,7 +191,6 @@ private:
     Trace::Clock clock; // null for the steady one
     std::size_t capacity;
     qint64 origin;
-    bool closed = false;
     Id firstId = 0;
     int depth = 0;  // of calls under way
     int frame = -1; // the one that is open

@@ -218,8 +218,7 @@ QVector<TraceSummary> Trace::passes() const
             samples.push_back({event.pass, 0});
         }
         if (event.endNs > current.countedTo) {
-            samples[current.sample].time +=
-                event.endNs - std::max(event.beginNs, current.countedTo);
+            samples[current.sample].time += event.endNs - event.beginNs;
             current.countedTo = event.endNs;
         }
     }

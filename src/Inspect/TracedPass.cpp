@@ -39,11 +39,10 @@ struct TracedPass::Impl
         if (finished) {
             if (waiting.asked)
                 recording->insert(waiting.position, TraceEvent::Wait, index, waiting.beginNs);
-            waiting.position = Recording::kNone;
-        } else {
-            waiting.numBegun = recording->numBegun;
-            waiting.asked = true;
+            return;
         }
+        waiting.numBegun = recording->numBegun;
+        waiting.asked = true;
     }
 
     std::shared_ptr<Recording> recording;

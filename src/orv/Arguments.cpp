@@ -53,8 +53,8 @@ Arguments::Arguments(const Command& command, const QStringList& words)
 
 const Option& Arguments::find(const QString& name) const
 {
-    const auto option = std::find_if(known.begin(), known.end(),
-                                     [&name](const Option& each) { return each.name == name; });
+    const auto* const option = std::find_if(
+        known.begin(), known.end(), [&name](const Option& each) { return each.name == name; });
     if (option == known.end())
         throw Misuse(QLatin1String("has no option --") + name);
     return *option;
@@ -62,9 +62,10 @@ const Option& Arguments::find(const QString& name) const
 
 const Option& Arguments::find(QChar letter) const
 {
-    const auto option = std::find_if(known.begin(), known.end(), [letter](const Option& each) {
-        return !each.letter.isNull() && each.letter == letter;
-    });
+    const auto* const option =
+        std::find_if(known.begin(), known.end(), [letter](const Option& each) {
+            return !each.letter.isNull() && each.letter == letter;
+        });
     if (option == known.end())
         throw Misuse(QLatin1String("has no option -") + letter);
     return *option;
@@ -77,7 +78,8 @@ bool Arguments::has(const char* option) const
 
 QString Arguments::value(const char* option) const
 {
-    return given.value(QString::fromLatin1(option)).value(values(option).size() - 1);
+    const QStringList all = values(option);
+    return all.isEmpty() ? QString() : all.last();
 }
 
 QStringList Arguments::values(const char* option) const

@@ -142,9 +142,9 @@ Answer explainEdge(const Explainer& explainer, const PortRef& from, const PortRe
 
 PortRef firstOf(const QVector<PortRef>& ports, bool isOutput)
 {
-    const auto port = std::find_if(ports.begin(), ports.end(), [isOutput](const PortRef& each) {
-        return each.isOutput == isOutput;
-    });
+    const auto* const port =
+        std::find_if(ports.begin(), ports.end(),
+                     [isOutput](const PortRef& each) { return each.isOutput == isOutput; });
     return port == ports.end() ? PortRef() : *port;
 }
 

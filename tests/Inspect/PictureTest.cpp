@@ -4,16 +4,19 @@
 #include <Kestrin/Orv/Inspect/Picture.h>
 
 #include "PictureSample.h"
+#include "RandomRenderer.h"
 
 #include "support/Growth.h"
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QXmlStreamReader>
 
+#include <algorithm>
 #include <random>
 
 using namespace Kestrin::Orv::Inspect;
@@ -129,6 +132,16 @@ TEST(Picture, OfOnePassIsThisText)
 )");
 }
 
+TEST(Picture, OfTheSampleIsThatOfTheDocuments)
+{
+    QFile file(QStringLiteral(ORV_DOCS_IMAGES "/picture.dot"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+    const SampleRenderer sample;
+    EXPECT_EQ(text(file.readAll()),
+              "// SPDX-FileCopyrightText: The OrvCore authors\n// SPDX-License-Identifier: MIT\n"
+                  + text(toGraphviz(sample.snapshot, {sample.antialias})));
+}
+
 TEST(Picture, OfARendererWithNothingInItIsAGraphWithoutNodes)
 {
     const QByteArray picture = toGraphviz(Snapshot());
@@ -221,6 +234,36 @@ TEST(Picture, AnInputThatTakesItsDefaultSaysSo)
     EXPECT_TRUE(contains(node, ">on</td>")) << node;
     EXPECT_TRUE(contains(node, ">group <font color='#4b5563'><i>default</i>")) << node;
     EXPECT_TRUE(contains(node, "<i>default = &quot;&lt;none&gt;&quot;</i>")) << node;
+}
+
+TEST(Picture, DefaultsAreMarkedWhereTheRendererTakesThem)
+{
+    int numDefaults = 0, numValues = 0;
+    for (unsigned seed = 0; seed < 1500; ++seed) {
+        RandomRenderer random(seed, static_cast<RandomRenderer::Kind>(seed % 2));
+        random.renderer.setup(nullptr);
+        const Snapshot snapshot = Snapshot::of(random.renderer);
+        const QByteArray picture = toGraphviz(snapshot);
+        for (int ref = 1; ref < snapshot.nodes.size(); ++ref) {
+            const auto setUp =
+                std::find_if(random.log.begin(), random.log.end(), [&](const SetupCall& call) {
+                    return call.pass && call.pass == random.pass(ref);
+                });
+            if (setUp == random.log.end() || snapshot.node(ref).removed)
+                continue;
+            const std::string node =
+                statement(picture, ("n" + QByteArray::number(ref) + " [").constData());
+            for (int i = 0; i < snapshot.node(ref).inputs.size(); ++i) {
+                const std::size_t cell = node.find("port='i" + std::to_string(i) + "'");
+                const std::string label = node.substr(cell, node.find("</td>", cell) - cell);
+                const bool isDefault = setUp->inputs.at(i) == setUp->pass->defaultValue(i);
+                EXPECT_EQ(contains(label, "default"), isDefault) << seed << ": " << node;
+                (isDefault ? numDefaults : numValues) += 1;
+            }
+        }
+    }
+    EXPECT_GT(numDefaults, 500);
+    EXPECT_GT(numValues, 500);
 }
 
 TEST(Picture, AParameterReachesAnInputThroughGroups)
@@ -508,8 +551,10 @@ struct Nest
             builder.connect(parent, 0, group, 0);
             parent = group;
         }
-        const int pass = builder.pass("P", {"i"}, {"o"}, parent);
-        builder.connect(parent, 0, pass, 0);
+        for (int i = 0; i < size; ++i) {
+            const int pass = builder.pass("P", {"i"}, {"o"}, parent);
+            builder.connect(parent, 0, pass, 0);
+        }
     }
     SnapshotBuilder builder;
 };
@@ -537,15 +582,15 @@ void draw(Subject& subject)
 
 TEST(Picture, OfAChainTakesLinearTime)
 {
-    expectLinear<Chain>(20000, draw<Chain>);
+    expectLinear<Chain>(10000, draw<Chain>);
 }
 
 TEST(Picture, OfGroupsInGroupsTakesLinearTime)
 {
-    expectLinear<Nest>(20000, draw<Nest>);
+    expectLinear<Nest>(5000, draw<Nest>);
 }
 
 TEST(Picture, OfManyPortsTakesLinearTime)
 {
-    expectLinear<ManyPorts>(40000, draw<ManyPorts>);
+    expectLinear<ManyPorts>(20000, draw<ManyPorts>);
 }

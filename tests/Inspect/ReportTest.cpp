@@ -12,7 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTemporaryDir>
 
 using namespace Kestrin::Orv::Inspect;
 
@@ -154,6 +157,39 @@ TEST(Report, IsOnePageThatMayLoadNothing)
     EXPECT_FALSE(page.contains("<script"));
     EXPECT_FALSE(page.contains("@import"));
     EXPECT_EQ(nestingProblem(page), "");
+}
+
+TEST(Report, IsWrittenAsTheDocumentsSay)
+{
+    const SampleRenderer sample;
+    SampleRun run(sample.snapshot);
+    run.run(2);
+    Kestrin::Orv::Renderer& renderer = run.renderer;
+    const Trace& trace = run.trace;
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("forest.html"));
+    //! [report]
+    const Snapshot snapshot = Snapshot::of(renderer);
+    QProcess dot;
+    dot.start(QStringLiteral("dot"), {QStringLiteral("-Tsvg")});
+    dot.write(toGraphviz(snapshot));
+    dot.closeWriteChannel();
+    dot.waitForFinished();
+
+    ReportContent content;
+    content.title = QStringLiteral("Forest scene");
+    content.snapshot = &snapshot;
+    content.trace = &trace;
+    content.picture = dot.readAllStandardOutput();
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(toHtml(content));
+    //! [report]
+    file.close();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray page = file.readAll();
+    EXPECT_EQ(text(page), text(toHtml(content)));
+    EXPECT_TRUE(page.contains("<h1>Forest scene</h1>"));
 }
 
 TEST(Report, EscapesItsTitle)

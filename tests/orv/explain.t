@@ -135,9 +135,14 @@ A pass that is disabled, and one that nothing needs:
   }
   ? 1
 
-A group:
+From standard input:
+
+  $ orv explain - Tone <clean.json
+
+A group, and the renderer itself, whose path is empty:
 
   $ orv explain scene.json Bloom
+  $ orv explain scene.json ''
   Bloom is a group: there is nothing to run.
 
 The value of an input:
