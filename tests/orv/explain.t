@@ -138,12 +138,16 @@ A pass that is disabled, and one that nothing needs:
 From standard input:
 
   $ orv explain - Tone <clean.json
+  Tone runs as 2 of 2, needed by the renderer's output Picture:
+    output Picture
+    output Tone.image
 
 A group, and the renderer itself, whose path is empty:
 
   $ orv explain scene.json Bloom
-  $ orv explain scene.json ''
   Bloom is a group: there is nothing to run.
+  $ orv explain scene.json ''
+  The renderer is no pass: there is nothing to run.
 
 The value of an input:
 
