@@ -13,6 +13,14 @@ namespace {
 const QString firstFrame = QStringLiteral("frame-0000.png");
 const QString firstDebug = QStringLiteral("debug-0000.png");
 
+/// The memory that a run reports for its textures.
+double mebibytes(const ProgramRun& run)
+{
+    const QStringList found = run.linesAfter(QStringLiteral("textures: "));
+    EXPECT_EQ(found.size(), 1) << qPrintable(run.out);
+    return found.value(0).section(QLatin1Char(' '), 0, 0).toDouble();
+}
+
 } // namespace
 
 /// The gallery's graph, saved, edited and rendered.
@@ -121,6 +129,19 @@ TEST_F(GalleryEditedGraph, RunsWithoutAGroupWithinAGroup)
     renderWith(document, QStringLiteral("out"));
     render(QStringLiteral("bloom"));
     EXPECT_NE(frame(QStringLiteral("out")), frame(QStringLiteral("bloom")));
+}
+
+TEST_F(GalleryEditedGraph, HasAPyramidWhoseLevelsHalveTheirSize)
+{
+    const QStringList options = words("--size 512x384 --no-pool");
+    Document document = builtIn();
+    document.remove(QStringLiteral("Bloom/Pyramid"));
+    document.connect(QStringLiteral("Bloom/Threshold.Bright -> Bloom/Glow.Color"));
+    const double without = mebibytes(renderWith(document, QStringLiteral("without"), options));
+    const double with = mebibytes(render(QStringLiteral("with"), options));
+    // 4 bytes for a 16th, 64th, 256th and 1024th of the frame's texels, and for the first three of
+    // them once more: 0.12 MiB. The reports are rounded to tenths.
+    EXPECT_NEAR(with - without, 0.12, 0.11);
 }
 
 TEST_F(GalleryEditedGraph, RunsAPassThatWasAdded)
@@ -243,6 +264,7 @@ TEST_F(GalleryEditedGraph, KeepsATextureForReadersThatTheRendererDoesNotCount)
     const ProgramRun run = renderWith(document, QStringLiteral("out"));
     EXPECT_EQ(run.linesAfter(QStringLiteral("every output gets a texture of its own: ")).size(), 1)
         << qPrintable(run.out);
+    EXPECT_TRUE(run.out.contains(QLatin1String(" without the pool\n"))) << qPrintable(run.out);
     render(QStringLiteral("built-in"));
     EXPECT_EQ(frame(QStringLiteral("out")), frame(QStringLiteral("built-in")));
 }
