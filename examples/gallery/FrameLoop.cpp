@@ -7,6 +7,9 @@
 #include "GraphReport.h"
 #include "ReadPixels.h"
 
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Trace.h>
+
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QSaveFile>
@@ -52,10 +55,15 @@ void FrameTimes::print()
 }
 
 FrameLoop::FrameLoop(const Options& options_, GalleryGraph& graph_, const Scene& scene,
-                     QTextStream& out_)
+                     QTextStream& out_, Inspect::Trace* trace_)
     : options(options_)
     , graph(graph_)
     , out(out_)
+    , trace(trace_)
+    , angle(graph.renderer().findParameter(QStringLiteral("Angle")))
+    , staggered(graph.renderer().findParameter(QStringLiteral("Orv_bool_staggeredFirstFrame")))
+    , debug(graph.renderer().findOutput(QStringLiteral("Debug")))
+    , picture(graph.renderer().findOutput(QStringLiteral("Picture")))
     , callbacks(scene, options_.size, options_.reuseTextures)
     , times(out_)
 {
@@ -63,6 +71,16 @@ FrameLoop::FrameLoop(const Options& options_, GalleryGraph& graph_, const Scene&
 
 bool FrameLoop::run(QString& error)
 {
+    if (picture < 0) {
+        error = QStringLiteral("the graph has no output \"Picture\"");
+        return false;
+    }
+    if (options.staggered && staggered < 0) {
+        error = QStringLiteral("the graph has no parameter \"Orv_bool_staggeredFirstFrame\"");
+        return false;
+    }
+    if (options.staggered)
+        graph.disableIdlePasses();
     graph.renderer().setup(&callbacks);
     const bool done = renderFrames(error);
     graph.renderer().teardown(&callbacks);
@@ -76,8 +94,8 @@ bool FrameLoop::renderFrames(QString& error)
     bool done = !options.staggered || bringUp(error);
     for (int frame = options.firstFrame; done && frame <= options.lastFrame; ++frame) {
         showProgress(frame);
-        done = renderFrame(frame, error) && write(graph.picture, "frame", frame, error)
-            && write(graph.debug, "debug", frame, error);
+        done = renderFrame(frame, error) && write(picture, "frame", frame, error)
+            && write(debug, "debug", frame, error);
         endFrame();
     }
     clearProgress();
@@ -87,7 +105,7 @@ bool FrameLoop::renderFrames(QString& error)
 /// Repeats the first frame, unwritten, until every pass has been started.
 bool FrameLoop::bringUp(QString& error)
 {
-    graph.renderer().setParameter(graph.staggered, true);
+    graph.renderer().setParameter(staggered, true);
     const int numPasses = graph.executionOrder().size();
     int frames = 0;
     do {
@@ -102,13 +120,13 @@ bool FrameLoop::bringUp(QString& error)
 
 bool FrameLoop::renderFrame(int frame, QString& error)
 {
-    const double angle = firstAngle + 360.0 * (frame % options.turn) / options.turn;
-    graph.renderer().setParameter(graph.angle, float(angle));
+    const double degrees = firstAngle + 360.0 * (frame % options.turn) / options.turn;
+    graph.renderer().setParameter(angle, float(degrees));
     callbacks.started.clear();
 
     QElapsedTimer timer;
     timer.start();
-    if (!graph.renderer().render(&callbacks)) {
+    if (!renderTraced()) {
         error = callbacks.failure;
         return false;
     }
@@ -123,11 +141,21 @@ bool FrameLoop::renderFrame(int frame, QString& error)
     return true;
 }
 
+bool FrameLoop::renderTraced()
+{
+    if (trace)
+        trace->beginFrame();
+    const bool done = graph.renderer().render(&callbacks);
+    if (trace)
+        trace->endFrame();
+    return done;
+}
+
 bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
 {
     const auto texture = graph.renderer().output(output).value<Texture>();
     if (!texture.name) {
-        if (output == graph.debug) // was disabled; the picture is what matters
+        if (output == debug) // is not made; the picture is what matters
             return true;
         error = QStringLiteral("no pass left to make the picture");
         return false;
@@ -137,8 +165,14 @@ bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
         error = QStringLiteral("no memory for the picture");
         return false;
     }
-    readPixels(texture, GL_UNSIGNED_BYTE, image.bits());
+    const bool isPicture = readPixels(texture, GL_UNSIGNED_BYTE, image.bits());
     callbacks.textures.release(texture);
+    if (!isPicture) {
+        error = QStringLiteral("what arrives at the output \"%1\" cannot be written as a picture")
+                    .arg(graph.renderer().getGraph()->outputName(Kestrin::Orv::Graph::kRootNodeRef,
+                                                                 output));
+        return false;
+    }
 
     const QString path = QDir(options.outDirectory)
                              .filePath(QStringLiteral("%1-%2.png")

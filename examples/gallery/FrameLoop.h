@@ -11,9 +11,19 @@
 
 #include <QtCore/QTextStream>
 
+namespace Kestrin {
+namespace Orv {
+namespace Inspect {
+class Trace;
+} // namespace Inspect
+} // namespace Orv
+} // namespace Kestrin
+
 namespace Gallery {
 
 class GalleryGraph;
+
+namespace Inspect = Kestrin::Orv::Inspect;
 
 /// Frame times that are written out minute by minute instead of being dropped.
 class FrameTimes : public Kestrin::Orv::HistogramFrameTimes
@@ -33,7 +43,9 @@ class FrameLoop
 {
 public:
     /// \param out receives the reports.
-    FrameLoop(const Options& options, GalleryGraph& graph, const Scene& scene, QTextStream& out);
+    /// \param trace is told of the frames, if it is not null.
+    FrameLoop(const Options& options, GalleryGraph& graph, const Scene& scene, QTextStream& out,
+              Inspect::Trace* trace);
 
     /// \return false, with the reason on one line in \p error, when a pass fails or a picture
     /// cannot be written; the frames before it are complete.
@@ -43,6 +55,7 @@ private:
     bool renderFrames(QString& error);
     bool bringUp(QString& error);
     bool renderFrame(int frame, QString& error);
+    bool renderTraced();
     bool write(int output, const char* prefix, int frame, QString& error);
     void endFrame();
     bool hasProgress() const;
@@ -53,6 +66,12 @@ private:
     const Options& options;
     GalleryGraph& graph;
     QTextStream& out;
+    Inspect::Trace* trace;
+    // Of the renderer; -1 for one that its graph does not have.
+    int angle;
+    int staggered;
+    int debug;
+    int picture;
     Kestrin::Orv::RenderCallbacks callbacks;
     FrameTimes times;
     int texturesHeld = 0; // that readers did not release, in the last frame

@@ -3,15 +3,14 @@
 
 #include "GalleryGraph.h"
 
-#include "Passes/CamerasPass.h"
-#include "Passes/FilterPass.h"
-#include "Passes/GeometryPass.h"
-#include "Passes/LightMeterPass.h"
+#include "PassMakers.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Lint.h>
+#include <Kestrin/Orv/Inspect/Paths.h>
+#include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/Walkers.h>
 
-#include <QtGui/QMatrix4x4>
 #include <QtGui/QVector3D>
 
 namespace Gallery {
@@ -24,86 +23,78 @@ namespace {
 
 const int root = Graph::kRootNodeRef;
 
-FilterPass* filter(const char* name)
-{
-    const QString passName = QString::fromLatin1(name);
-    return new FilterPass(passName, passName + QLatin1String(".frag"));
-}
-
-FilterPass* filter(const QString& name, const char* shader)
-{
-    return new FilterPass(name, QString::fromLatin1(shader) + QLatin1String(".frag"));
-}
-
-int add(Kestrin::Orv::Renderer& renderer, GalleryPass* pass, int parent)
-{
-    return renderer.addPass(pass->name(), pass, parent);
-}
-
 // The names of ports that are wired one by one.
 const QString color = QStringLiteral("Color");
 const QString detail = QStringLiteral("Detail");
 
 } // namespace
 
-GalleryGraph::GalleryGraph()
-    : graph(*host.getGraph())
+GalleryGraph::GalleryGraph(Inspect::Trace* trace_)
+    : trace(trace_)
+    , graph(*host.getGraph())
 {
-    angle = host.addParameter(QStringLiteral("Angle"), 0.0F);
-    exposure = host.addParameter(QStringLiteral("Exposure"), 1.0F);
-    bloomStrength = host.addParameter(QStringLiteral("BloomStrength"), 0.9F);
-    lightDirection = host.addParameter(QStringLiteral("LightDirection"), QVector3D(0.6F, 1, -0.7F));
-    staggered = host.addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), false);
-    // The debug view comes first, so that it runs first and lets go of the G-buffer.
-    debug = host.addOutput(QStringLiteral("Debug"));
-    picture = host.addOutput(QStringLiteral("Picture"));
+}
 
-    cameras = host.addPass(QStringLiteral("Cameras"), new CamerasPass, root);
-    shadowMap = add(host, GeometryPass::makeShadowMap(), root);
-    gBuffer = add(host, GeometryPass::makeGBuffer(), root);
+void GalleryGraph::build()
+{
+    host.addParameter(QStringLiteral("Angle"), 0.0F);
+    host.addParameter(QStringLiteral("Exposure"), 1.0F);
+    host.addParameter(QStringLiteral("BloomStrength"), 0.9F);
+    host.addParameter(QStringLiteral("LightDirection"), QVector3D(0.6F, 1, -0.7F));
+    host.addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), false);
+    // The debug view comes first, so that it runs first and lets go of the G-buffer.
+    host.addOutput(QStringLiteral("Debug"));
+    host.addOutput(QStringLiteral("Picture"));
+
+    cameras = add("Cameras", root);
+    shadowMap = add("ShadowMap", root);
+    gBuffer = add("GBuffer", root);
     addOcclusion();
-    lighting = add(host,
-                   filter("Lighting")
-                       ->texture("Albedo", Qt::gray)
-                       ->texture("Normal", QColor(0, 0, 255, 128))
-                       ->texture("Depth", Qt::white)
-                       ->texture("Occlusion", Qt::white)
-                       ->texture("ShadowDepth", Qt::white)
-                       ->value("View", QMatrix4x4())
-                       ->value("Projection", QMatrix4x4())
-                       ->value("LightMatrix", QMatrix4x4())
-                       ->value("LightDirection", QVector3D(0, 1, 0))
-                       ->target("Color", GL_RGBA16F)
-                       ->target("Terms", GL_RGBA8),
-                   root);
+    lighting = add("Lighting", root);
     addBloom();
-    toneMap = add(host,
-                  filter("ToneMap")
-                      ->texture("Color", Qt::black)
-                      ->texture("Bloom", Qt::black)
-                      ->value("Exposure", 1.0F)
-                      ->target("Color", GL_RGBA8),
-                  root);
-    antiAlias = add(
-        host, filter("AntiAlias")->texture("Color", Qt::black)->target("Smooth", GL_RGBA8), root);
-    present = add(host,
-                  filter("Present")
-                      ->texture("Smooth", Qt::black)
-                      ->texture("Color", Qt::black)
-                      ->target("Picture", GL_RGBA8),
-                  root);
-    debugView = add(host,
-                    filter("DebugView")
-                        ->texture("Albedo", Qt::black)
-                        ->texture("Normal", Qt::black)
-                        ->texture("Depth", Qt::white)
-                        ->texture("ShadowDepth", Qt::white)
-                        ->texture("Terms", Qt::black)
-                        ->value("Projection", QMatrix4x4())
-                        ->target("Debug", GL_RGBA8),
-                    root);
-    lightMeter = add(host, new LightMeterPass, root);
+    toneMap = add("ToneMap", root);
+    antiAlias = add("AntiAlias", root);
+    present = add("Present", root);
+    debugView = add("DebugView", root);
+    lightMeter = add("LightMeter", root);
     wire();
+    Inspect::Trace::namePasses(host);
+}
+
+QVector<Inspect::Problem> GalleryGraph::build(const Inspect::ReadResult& document)
+{
+    Inspect::PassFactory factory;
+    const QStringList known = passTypes();
+    for (const QString& type : known) {
+        factory.add(
+            type, [this, type](const Inspect::NodeRecord& node) { return make(type, node.name); });
+    }
+    const auto problems = Inspect::buildRenderer(document.snapshot, host, factory, document.places);
+    Inspect::Trace::namePasses(host);
+    return problems;
+}
+
+Inspect::Snapshot GalleryGraph::snapshot()
+{
+    return Inspect::Snapshot::of(
+        host, [this](const Kestrin::Orv::RenderPass& pass) { return types.value(&pass); });
+}
+
+Kestrin::Orv::RenderPass* GalleryGraph::make(const QString& type, const QString& name)
+{
+    Kestrin::Orv::RenderPass* pass = makePass(type, name);
+    types.insert(pass, type);
+    return trace ? new Inspect::TracedPass(*trace, name, pass) : pass;
+}
+
+GalleryGraph::Node GalleryGraph::add(const char* type, Node parent)
+{
+    return add(type, QString::fromLatin1(type), parent);
+}
+
+GalleryGraph::Node GalleryGraph::add(const char* type, const QString& name, Node parent)
+{
+    return host.addPass(name, make(QString::fromLatin1(type), name), parent);
 }
 
 void GalleryGraph::addOcclusion()
@@ -116,20 +107,8 @@ void GalleryGraph::addOcclusion()
     graph.addInput(occlusion, QStringLiteral("Projection"), Graph::kInvalidGroupRef);
     graph.addOutput(occlusion, QStringLiteral("Occlusion"), Graph::kInvalidGroupRef);
 
-    const Node raw = add(host,
-                         filter("Occlusion")
-                             ->texture("Normal", QColor(0, 0, 255))
-                             ->texture("Depth", Qt::white)
-                             ->value("Projection", QMatrix4x4())
-                             ->target("RawOcclusion", GL_R8),
-                         occlusion);
-    const Node blur = add(host,
-                          filter("OcclusionBlur")
-                              ->texture("RawOcclusion", Qt::white)
-                              ->texture("Depth", Qt::white)
-                              ->value("Projection", QMatrix4x4())
-                              ->target("Occlusion", GL_R8),
-                          occlusion);
+    const Node raw = add("Occlusion", occlusion);
+    const Node blur = add("OcclusionBlur", occlusion);
     graph.connectByName(raw, blur);
     graph.connectDownByName(raw);
     graph.connectDownByName(blur);
@@ -143,20 +122,9 @@ void GalleryGraph::addBloom()
     graph.addInput(bloom, QStringLiteral("BloomStrength"), Graph::kInvalidGroupRef);
     graph.addOutput(bloom, QStringLiteral("Bloom"), Graph::kInvalidGroupRef);
 
-    const Node threshold = add(host,
-                               filter("Threshold")
-                                   ->texture("Color", Qt::black)
-                                   ->target("Bright", GL_R11F_G11F_B10F)
-                                   ->scaledDown(2),
-                               bloom);
+    const Node threshold = add("Threshold", bloom);
     const Node pyramid = addPyramid(bloom);
-    const Node glow = add(host,
-                          filter("Glow")
-                              ->texture("Color", Qt::black)
-                              ->value("BloomStrength", 0.0F)
-                              ->target("Bloom", GL_R11F_G11F_B10F)
-                              ->scaledDown(2),
-                          bloom);
+    const Node glow = add("Glow", bloom);
     graph.connectDownByName(threshold);
     graph.addEdgeByName(threshold, QStringLiteral("Bright"), pyramid, color);
     graph.connectByName(pyramid, glow);
@@ -175,12 +143,7 @@ GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 
     QVector<Node> down;
     for (int level = 0; level < numLevels; ++level) {
-        down.append(add(host,
-                        filter(QStringLiteral("Downsample%1").arg(level + 1), "Downsample")
-                            ->texture("Color", Qt::black)
-                            ->target("Color", GL_R11F_G11F_B10F)
-                            ->scaledDown(4 << level),
-                        pyramid));
+        down.append(add("Downsample", QStringLiteral("Downsample%1").arg(level + 1), pyramid));
         if (level > 0)
             graph.connectByName(down[level - 1], down[level]);
     }
@@ -188,13 +151,7 @@ GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 
     Node coarser = down.last();
     for (int level = numLevels - 2; level >= 0; --level) {
-        const Node up = add(host,
-                            filter(QStringLiteral("Upsample%1").arg(level + 1), "Upsample")
-                                ->texture("Color", Qt::black)
-                                ->texture("Detail", Qt::black)
-                                ->target("Color", GL_R11F_G11F_B10F)
-                                ->scaledDown(4 << level),
-                            pyramid);
+        const Node up = add("Upsample", QStringLiteral("Upsample%1").arg(level + 1), pyramid);
         graph.addEdgeByName(down[level], color, up, detail);
         graph.connectByName(coarser, up);
         coarser = up;
@@ -237,7 +194,23 @@ int GalleryGraph::findPass(const QString& name)
         if (host.renderPass(walker.node()) && graph.nodeName(walker.node()) == name)
             return walker.node();
     }
+    const Inspect::Snapshot now = snapshot();
+    const QVector<int> found = Inspect::Paths(now).findNodes(name);
+    for (const Node node : found) {
+        if (host.renderPass(node))
+            return node;
+    }
     return Graph::kInvalidNodeRef;
+}
+
+QString GalleryGraph::uncountedReader()
+{
+    const QVector<Inspect::Finding> findings = Inspect::lint(snapshot());
+    for (const Inspect::Finding& finding : findings) {
+        if (finding.code == QLatin1String("uncounted-users"))
+            return finding.text;
+    }
+    return {};
 }
 
 QVector<int> GalleryGraph::executionOrder()

@@ -90,6 +90,23 @@ bool Options::parse(const QStringList& arguments, QString& error)
         QStringLiteral("Folder of the shaders (Resources beside the program)."),
         QStringLiteral("DIR"));
     const QCommandLineOption graphOption(
+        QStringLiteral("graph"),
+        QStringLiteral("Render with the graph of this document, one that --save-graph has written "
+                       "and that may have been edited since."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption saveOption(
+        QStringLiteral("save-graph"),
+        QStringLiteral("Write the graph as it is about to run, as a document."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption traceOption(
+        QStringLiteral("trace"),
+        QStringLiteral("Record when the passes run, for Perfetto or chrome://tracing."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption reportOption(
+        QStringLiteral("report"),
+        QStringLiteral("Write a report on the graph and its frames, as HTML."),
+        QStringLiteral("FILE"));
+    const QCommandLineOption graphvizOption(
         QStringLiteral("dump-graph"),
         QStringLiteral("Write the graph for Graphviz instead of rendering."),
         QStringLiteral("FILE"));
@@ -108,7 +125,8 @@ bool Options::parse(const QStringList& arguments, QString& error)
         QStringLiteral("Give every output of a pass a texture of its own."));
     parser.addOptions({help, version, sizeOption, framesOption, turnOption, outOption,
                        disableOption, targetOption, staggeredOption, listOption, timesOption,
-                       verboseOption, graphOption, noPoolOption, resourcesOption});
+                       verboseOption, graphOption, saveOption, traceOption, reportOption,
+                       graphvizOption, noPoolOption, resourcesOption});
     parser.addPositionalArgument(
         QStringLiteral("model"),
         QStringLiteral("Model file, of any format that assimp reads (an engine of two cylinders)."),
@@ -155,6 +173,10 @@ bool Options::parse(const QStringList& arguments, QString& error)
     target = parser.value(targetOption);
     resources = parser.value(resourcesOption);
     graphFile = parser.value(graphOption);
+    savedGraphFile = parser.value(saveOption);
+    traceFile = parser.value(traceOption);
+    reportFile = parser.value(reportOption);
+    graphvizFile = parser.value(graphvizOption);
     staggered = parser.isSet(staggeredOption);
     list = parser.isSet(listOption);
     times = parser.isSet(timesOption);

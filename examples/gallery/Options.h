@@ -22,7 +22,11 @@ struct Options
     QStringList disabled;
     QString target;
     QString resources;
-    QString graphFile;
+    QString graphFile;      ///< the document to build the graph of
+    QString savedGraphFile; ///< the document to write
+    QString traceFile;
+    QString reportFile;
+    QString graphvizFile;
     bool staggered = false;
     bool list = false;
     bool times = false;
@@ -31,6 +35,9 @@ struct Options
 
     /// What is to be printed instead of doing anything, for --help and --version.
     QString message;
+
+    /// Whether the passes are to be recorded.
+    bool isTraced() const { return !traceFile.isEmpty() || !reportFile.isEmpty(); }
 
     /// \return false, with the reason on one line in \p error, when the line makes no sense.
     bool parse(const QStringList& arguments, QString& error);

@@ -5,7 +5,7 @@
 
 namespace Gallery {
 
-void readPixels(const Texture& texture, GLenum type, void* texels)
+bool readPixels(const Texture& texture, GLenum type, void* texels)
 {
     GLuint framebuffer = 0;
     glGenFramebuffers(1, &framebuffer);
@@ -13,6 +13,7 @@ void readPixels(const Texture& texture, GLenum type, void* texels)
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name, 0);
     glReadPixels(0, 0, texture.width, texture.height, GL_RGBA, type, texels);
     glDeleteFramebuffers(1, &framebuffer);
+    return glGetError() == GL_NO_ERROR;
 }
 
 } // namespace Gallery

@@ -9,7 +9,8 @@
 namespace Gallery {
 
 /// Copies a texture's RGBA texels, from the bottom row up, as this GL type; waits for the GPU.
-void readPixels(const Texture& texture, GLenum type, void* texels);
+/// \return false if the driver cannot do so for the texture's format.
+bool readPixels(const Texture& texture, GLenum type, void* texels);
 
 } // namespace Gallery
 

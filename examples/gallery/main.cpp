@@ -8,12 +8,16 @@
 #include "Model.h"
 #include "Options.h"
 #include "Scene.h"
+#include "ValueTypes.h"
 
 #include <Kestrin/Orv/Core.h>
+#include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/RenderPass.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTextStream>
 
@@ -46,8 +50,34 @@ bool choosePasses(const Options& options, GalleryGraph& graph, QString& error)
             return false;
         graph.renderer().setEnabled(node, false);
     }
-    graph.disableIdlePasses();
     return true;
+}
+
+/// Builds the graph of a document, or says everything that is wrong with it, one line each, in the
+/// form in which compilers do.
+bool readGraph(const QString& path, GalleryGraph& graph, QString& error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
+        return false;
+    }
+    const Inspect::ReadResult document = Inspect::readDocument(file.readAll(), valueTypes());
+    QVector<Inspect::Problem> problems = document.problems;
+    if (problems.isEmpty())
+        problems = graph.build(document);
+    if (problems.isEmpty())
+        return true;
+    for (const Inspect::Problem& problem : qAsConst(problems)) {
+        const QByteArray line = path.toUtf8() + ':' + QByteArray::number(problem.place.line) + ':'
+            + QByteArray::number(problem.place.column) + ": " + problem.code.toUtf8() + ": "
+            + problem.text.toUtf8() + '\n';
+        std::fputs(line.constData(), stderr);
+    }
+    error = QStringLiteral("no graph in %1: %2 problem%3")
+                .arg(path, QString::number(problems.size()),
+                     QString::fromLatin1(problems.size() == 1 ? "" : "s"));
+    return false;
 }
 
 bool makeFolder(const QString& path, QString& error)
@@ -70,24 +100,43 @@ void printTarget(GalleryGraph& graph, QTextStream& out)
     }
 }
 
-bool render(const Options& options, GalleryGraph& graph, QTextStream& out, QString& error)
+QVector<int> failedPasses(GalleryGraph& graph)
+{
+    QVector<int> failed;
+    for (int node = 0; node < graph.renderer().getGraph()->numNodesGlobal(); ++node) {
+        const Kestrin::Orv::RenderPass* pass = graph.renderer().renderPass(node);
+        if (pass && pass->errorCode() != 0)
+            failed.append(node);
+    }
+    return failed;
+}
+
+bool render(const Options& options, GalleryGraph& graph, Inspect::Trace* trace, QTextStream& out,
+            QString& error)
 {
     Model model;
     GlContext context;
-    if (!makeFolder(options.outDirectory, error) || !model.load(options.model, error)
-        || !context.create(error))
+    if (!model.load(options.model, error) || !context.create(error))
         return false;
     const Scene scene(std::move(model));
-    FrameLoop loop(options, graph, scene, out);
+    FrameLoop loop(options, graph, scene, out, trace);
     if (options.verbose)
         out << "driver: " << context.rendererName() << '\n';
-    if (!loop.run(error))
+    const Inspect::Snapshot snapshot = graph.snapshot();
+    const bool done = loop.run(error);
+    if (done)
+        printTarget(graph, out);
+    // A failure is what a report is for.
+    QString recordError;
+    if (trace && !writeRecords(options, snapshot, *trace, failedPasses(graph), recordError)) {
+        if (done)
+            error = recordError;
         return false;
-    printTarget(graph, out);
-    return true;
+    }
+    return done;
 }
 
-bool run(const Options& options, QTextStream& out, QString& error)
+bool run(Options options, QTextStream& out, QString& error)
 {
     if (!options.message.isEmpty()) {
         out << options.message;
@@ -95,19 +144,37 @@ bool run(const Options& options, QTextStream& out, QString& error)
     }
     if (!options.resources.isEmpty())
         Kestrin::Orv::setResourcesPath(options.resources);
-    GalleryGraph graph;
+    Inspect::Trace recorded;
+    Inspect::Trace* const trace = options.isTraced() ? &recorded : nullptr;
+    GalleryGraph graph(trace);
+    if (options.graphFile.isEmpty())
+        graph.build();
+    else if (!readGraph(options.graphFile, graph, error))
+        return false;
     if (!choosePasses(options, graph, error))
         return false;
-    if (!options.graphFile.isEmpty() && !writeGraphviz(graph, options.graphFile, error))
+    const bool isRendered = !options.list && options.graphvizFile.isEmpty();
+    if (isRendered && !makeFolder(options.outDirectory, error)) // other files may go there too
+        return false;
+    if (!options.savedGraphFile.isEmpty()
+        && !writeGraph(graph.snapshot(), options.savedGraphFile, error))
+        return false;
+    if (!options.graphvizFile.isEmpty() && !writeGraphviz(graph, options.graphvizFile, error))
         return false;
     if (options.list) {
         const QStringList lines = executionList(graph);
         for (const QString& line : lines)
             out << line << '\n';
     }
-    if (options.list || !options.graphFile.isEmpty())
+    if (!isRendered)
         return true;
-    return render(options, graph, out, error);
+
+    const QString uncounted = graph.uncountedReader();
+    if (!uncounted.isEmpty()) {
+        out << "every output gets a texture of its own: " << uncounted << '\n';
+        options.reuseTextures = false;
+    }
+    return render(options, graph, trace, out, error);
 }
 
 } // namespace

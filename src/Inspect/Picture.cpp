@@ -37,15 +37,28 @@ const Look kBoundary = {"boundary", "#ffffff", "#64748b", "solid"};
 const Look kRenderer = {"renderer", "#e6f4ee", "#1b6e53", "solid"};
 
 // The attributes of edges: a line style and an arrow head of its own for each kind.
-const char kRegular[] = "class=\"regular\" color=\"#1f2937\"";
-const char kDown[] = "class=\"down\" style=dashed color=\"#1f5fa8\" arrowhead=onormal";
-const char kUp[] = "class=\"up\" style=dotted penwidth=1.8 color=\"#1b6e53\" arrowhead=odiamond";
-const char kDead[] = "class=\"dead\" style=dashed color=\"#8f3a2b\" arrowhead=tee"
-                     " label=\"carries nothing\" fontcolor=\"#8f3a2b\"";
+const char kRegular[] = R"(class="regular" color="#1f2937")";
+const char kDown[] = R"(class="down" style=dashed color="#1f5fa8" arrowhead=onormal)";
+const char kUp[] = R"(class="up" style=dotted penwidth=1.8 color="#1b6e53" arrowhead=odiamond)";
+const char kDead[] = R"(class="dead" style=dashed color="#8f3a2b" arrowhead=tee )"
+                     R"(label="carries nothing" fontcolor="#8f3a2b")";
+
+const char kBeginning[] = R"(digraph orv {
+  graph [rankdir=LR bgcolor="#ffffff" pad=0.25 nodesep=0.3 ranksep=0.5 fontsize=12 labeljust=l fontname="Helvetica,Arial,sans-serif" fontcolor="#111827"]
+  node [shape=box margin=0 height=0 width=0 penwidth=1.3 fontsize=11 fontname="Helvetica,Arial,sans-serif" fontcolor="#111827"]
+  edge [fontsize=9 arrowsize=0.7 penwidth=1.3 fontname="Helvetica,Arial,sans-serif" fontcolor="#4b5563"]
+)";
 
 QByteArray number(int value)
 {
     return QByteArray::number(value);
+}
+
+/// The attributes of a box.
+QByteArray box(const QByteArray& kind, const Look& look, const char* fill)
+{
+    return "class=\"" + kind + R"(" style="rounded,filled,)" + look.style + R"(" fillcolor=")"
+        + fill + R"(" color=")" + look.line + '"';
 }
 
 /// Any text whatever for a label; Graphviz has escapes of its own there, which begin with a backslash.
@@ -172,6 +185,89 @@ Tree::Tree(const Snapshot& snapshot)
     }
 }
 
+/// Whether a parameter or the output of a live pass reaches a port, found out once for each port on the
+/// way: many may lead through the same groups.
+class ValueFlow
+{
+public:
+    explicit ValueFlow(const Snapshot& shown);
+
+    bool reach(PortRef port);
+
+private:
+    enum Answer : signed char { Unknown, No, Yes };
+
+    Answer* answer(const PortRef& port);
+    bool stepBack(PortRef& port) const;
+
+    const Snapshot& snapshot;
+    QVector<QVector<Answer>> ofInputs;
+    QVector<QVector<Answer>> ofOutputs;
+};
+
+ValueFlow::ValueFlow(const Snapshot& shown)
+    : snapshot(shown)
+    , ofInputs(shown.nodes.size())
+    , ofOutputs(shown.nodes.size())
+{
+    for (int ref = 0; ref < shown.nodes.size(); ++ref) {
+        ofInputs[ref].fill(Unknown, shown.nodes.at(ref).inputs.size());
+        ofOutputs[ref].fill(Unknown, shown.nodes.at(ref).outputs.size());
+    }
+}
+
+/// Null for a port that does not exist.
+ValueFlow::Answer* ValueFlow::answer(const PortRef& port)
+{
+    QVector<QVector<Answer>>& nodes = port.isOutput ? ofOutputs : ofInputs;
+    if (port.node < 0 || port.node >= nodes.size() || port.index < 0
+        || port.index >= nodes.at(port.node).size())
+        return nullptr;
+    return &nodes[port.node][port.index];
+}
+
+/// To the port that feeds this one, as the walks of the graph go.
+bool ValueFlow::stepBack(PortRef& port) const
+{
+    const PortRecord& record = port.isOutput ? snapshot.output(port.node, port.index)
+                                             : snapshot.input(port.node, port.index);
+    const EdgeRecord& edge = snapshot.edge(record.source);
+    if (edge.removed)
+        return false;
+    const int parent = snapshot.node(port.node).parent;
+    const int sourceParent = snapshot.node(edge.srcNode).parent;
+    const bool isDown = !port.isOutput && edge.srcNode == parent;
+    if (!isDown && sourceParent != (port.isOutput ? port.node : parent))
+        return false;
+    port = {edge.srcNode, edge.srcIndex, !isDown};
+    return true;
+}
+
+bool ValueFlow::reach(PortRef port)
+{
+    QVector<Answer*> way;
+    Answer found = No;
+    for (;;) {
+        Answer* known = answer(port);
+        if (known && *known != Unknown) {
+            found = *known;
+            break;
+        }
+        if (known) {
+            *known = No; // for now: a way that leads back here leads nowhere
+            way.append(known);
+        }
+        if ((port.node != 0 || port.isOutput) && stepBack(port))
+            continue;
+        const bool isParameter = port.node == 0 && !port.isOutput;
+        found = isParameter || (port.isOutput && snapshot.isLivePass(port.node)) ? Yes : No;
+        break;
+    }
+    for (Answer* passed : qAsConst(way))
+        *passed = found;
+    return found == Yes;
+}
+
 class Drawing
 {
 public:
@@ -184,24 +280,24 @@ private:
     void leave(int ref, int depth);
     void drawPass(int ref);
     void openGroup(int ref, int depth);
-    void drawPorts(int ref, bool areOutputs, const Look& look, const QByteArray& title);
+    void drawPorts(int ref, bool areOutputs, const Look& drawnAs, const QByteArray& title);
     void drawSource(const PortRef& to);
-    void drawDeadEdge(int edge);
+    void drawDeadEdge(int ref);
     void drawEdge(const PortRef& from, const PortRef& to, const char* attributes);
 
     bool exists(const PortRef& port) const;
     bool isGroup(int ref) const;
-    bool takesDefault(int ref, int input) const;
     const Look& look(int ref) const;
     QByteArray state(int ref) const;
     QByteArray heading(int ref) const;
-    QByteArray cell(int ref, int index, bool isOutput, const char* align) const;
+    QByteArray cell(int ref, int index, bool isOutput, const char* align);
     QByteArray end(const PortRef& port);
     void indent(int depth);
 
     const Snapshot& snapshot;
     const Tree tree;
     const Schedule schedule;
+    ValueFlow values;
     QVector<bool> hasFailed;
     QVector<bool> drawn;      // by node ref
     QVector<bool> drawnEdges; // by edge ref: those that carry something
@@ -213,6 +309,7 @@ Drawing::Drawing(const Snapshot& shown, const QVector<int>& failed)
     : snapshot(shown)
     , tree(shown)
     , schedule(predictSchedule(shown))
+    , values(shown)
     , hasFailed(shown.nodes.size(), false)
     , drawn(shown.nodes.size(), false)
     , drawnEdges(shown.edges.size(), false)
@@ -231,17 +328,6 @@ void Drawing::indent(int depth)
 bool Drawing::isGroup(int ref) const
 {
     return !snapshot.node(ref).pass || !tree.children(ref).isEmpty();
-}
-
-/// As the renderer finds an input's value.
-bool Drawing::takesDefault(int ref, int input) const
-{
-    if (snapshot.walkUp(ref, input) && ref == 0)
-        return false;
-    if (!snapshot.walkAcross(ref, input))
-        return true;
-    snapshot.walkDown(ref, input);
-    return !snapshot.isLivePass(ref);
 }
 
 const Look& Drawing::look(int ref) const
@@ -281,31 +367,28 @@ QByteArray Drawing::heading(int ref) const
     if (!tree.isListed(ref))
         notes += QByteArray(notes.isEmpty() ? "" : ", ") + "unlisted";
 
-    QByteArray text =
-        "<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"3\"><tr>";
+    QByteArray text = "<table border='0' cellborder='0' cellspacing='0' cellpadding='3'><tr>";
     if (node.pass) {
-        text += QByteArray("<td border=\"1\" style=\"rounded\" cellpadding=\"3\" color=\"")
-            + drawnAs.line + "\" bgcolor=\"" + drawnAs.line
-            + "\"><font color=\"#ffffff\" point-size=\"10\"><b>" + state(ref) + "</b></font></td>";
+        text += QByteArray("<td border='1' style='rounded' cellpadding='3' color='") + drawnAs.line
+            + "' bgcolor='" + drawnAs.line + "'><font color='#ffffff' point-size='10'><b>"
+            + state(ref) + "</b></font></td>";
     }
     text += "<td><b>" + label(node.name, "no name") + "</b></td>";
     if (!notes.isEmpty())
-        text += "<td><font point-size=\"9\" color=\"#4b5563\">" + notes + "</font></td>";
+        text += "<td><font point-size='9' color='#4b5563'>" + notes + "</font></td>";
     // Takes most of the room that broad rows below leave.
-    return text + "<td colspan=\"12\" cellpadding=\"0\"></td></tr></table>";
+    return text + "<td colspan='12' cellpadding='0'></td></tr></table>";
 }
 
-QByteArray Drawing::cell(int ref, int index, bool isOutput, const char* align) const
+QByteArray Drawing::cell(int ref, int index, bool isOutput, const char* align)
 {
     const PortRecord& port = isOutput ? snapshot.output(ref, index) : snapshot.input(ref, index);
-    QByteArray text = "<td port=\"" + QByteArray(isOutput ? "o" : "i") + number(index)
-        + "\" align=\"" + align + "\">"
-        + label(port.name, (isOutput ? "output " : "input ") + number(index));
+    QByteArray text = "<td port='" + QByteArray(isOutput ? "o" : "i") + number(index) + "' align='"
+        + align + "'>" + label(port.name, (isOutput ? "output " : "input ") + number(index));
     if (ref == 0 && !isOutput)
         text += shortValue(lookUp(snapshot.parameters, index));
-    if (!isOutput && snapshot.node(ref).pass && takesDefault(ref, index))
-        text +=
-            " <font color=\"#4b5563\"><i>default" + shortValue(port.defaultValue) + "</i></font>";
+    if (!isOutput && snapshot.node(ref).pass && !values.reach({ref, index, false}))
+        text += " <font color='#4b5563'><i>default" + shortValue(port.defaultValue) + "</i></font>";
     return text + "</td>";
 }
 
@@ -313,10 +396,9 @@ void Drawing::drawPass(int ref)
 {
     const NodeRecord& node = snapshot.node(ref);
     const Look& drawnAs = look(ref);
-    out += "n" + number(ref) + " [class=\"pass " + drawnAs.name + "\" style=\"rounded,filled,"
-        + drawnAs.style + "\" fillcolor=\"" + drawnAs.fill + "\" color=\"" + drawnAs.line
-        + "\" label=<<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"4\">"
-          "<tr><td colspan=\"2\">"
+    out += "n" + number(ref) + " [" + box(QByteArray("pass ") + drawnAs.name, drawnAs, drawnAs.fill)
+        + " label=<<table border='0' cellborder='0' cellspacing='0' cellpadding='4'>"
+          "<tr><td colspan='2'>"
         + heading(ref) + "</td></tr>";
     const int numRows = qMax(node.inputs.size(), node.outputs.size());
     if (numRows > 0)
@@ -335,9 +417,9 @@ void Drawing::drawPorts(int ref, bool areOutputs, const Look& drawnAs, const QBy
 {
     const int numPorts =
         areOutputs ? snapshot.node(ref).outputs.size() : snapshot.node(ref).inputs.size();
-    out += "n" + number(ref) + (areOutputs ? "o" : "i") + " [class=\"" + drawnAs.name
-        + "\" style=\"rounded,filled\" fillcolor=\"" + drawnAs.fill + "\" color=\"" + drawnAs.line
-        + "\" label=<<table border=\"0\" cellborder=\"0\" cellspacing=\"0\" cellpadding=\"4\">";
+    out += "n" + number(ref) + (areOutputs ? "o" : "i") + " ["
+        + box(drawnAs.name, drawnAs, drawnAs.fill)
+        + " label=<<table border='0' cellborder='0' cellspacing='0' cellpadding='4'>";
     if (!title.isEmpty())
         out += "<tr><td><b>" + title + "</b></td></tr><hr/>";
     for (int i = 0; i < numPorts; ++i)
@@ -352,9 +434,8 @@ void Drawing::openGroup(int ref, int depth)
     indent(depth);
     out += "subgraph cluster_n" + number(ref) + " {\n";
     indent(depth + 1);
-    out += QByteArray("class=\"group\" style=\"rounded,filled,") + drawnAs.style + "\" fillcolor=\""
-        + (depth % 2 == 0 ? "#f8fafc" : "#eef2f7") + "\" color=\"" + drawnAs.line + "\" label=<"
-        + heading(ref) + ">\n";
+    out += box("group", drawnAs, depth % 2 == 0 ? "#f8fafc" : "#eef2f7") + " label=<" + heading(ref)
+        + ">\n";
     if (!node.inputs.isEmpty()) {
         indent(depth + 1);
         drawPorts(ref, false, kBoundary, QByteArray());
@@ -365,7 +446,7 @@ void Drawing::openGroup(int ref, int depth)
     }
     if (node.inputs.isEmpty() && node.outputs.isEmpty() && tree.children(ref).isEmpty()) {
         indent(depth + 1);
-        out += "n" + number(ref) + " [class=\"empty\" shape=plaintext label=\"empty\"]\n";
+        out += "n" + number(ref) + " [shape=plaintext label=empty]\n";
     }
 }
 
@@ -414,10 +495,10 @@ QByteArray Drawing::end(const PortRef& port)
         const bool isSplit = port.node == 0 || isGroup(port.node);
         return "n" + number(port.node) + (isSplit ? side : "") + ":" + side + number(port.index);
     }
-    const QByteArray id = "x" + number(numLooseEnds++);
+    QByteArray id = "x" + number(numLooseEnds++);
     indent(1);
-    out += id + " [class=\"loose\" shape=plaintext label=<no "
-        + (port.isOutput ? "output " : "input ") + number(port.index) + " of "
+    out += id + " [shape=plaintext label=<no " + (port.isOutput ? "output " : "input ")
+        + number(port.index) + " of "
         + (lookUp(drawn, port.node) ? label(snapshot.node(port.node).name, "no name")
                                     : "node " + number(port.node))
         + ">]\n";
@@ -464,13 +545,7 @@ void Drawing::drawDeadEdge(int ref)
 
 QByteArray Drawing::draw()
 {
-    out = "digraph orv {\n"
-          "  graph [rankdir=LR bgcolor=\"#ffffff\" pad=0.25 nodesep=0.3 ranksep=0.5 fontsize=12"
-          " labeljust=l fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#111827\"]\n"
-          "  node [shape=box margin=0 height=0 width=0 penwidth=1.3 fontsize=11"
-          " fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#111827\"]\n"
-          "  edge [fontsize=9 arrowsize=0.7 penwidth=1.3"
-          " fontname=\"Helvetica,Arial,sans-serif\" fontcolor=\"#4b5563\"]\n";
+    out = kBeginning;
     const auto entering = [this](int ref, int depth) { enter(ref, depth); };
     const auto leaving = [this](int ref, int depth) { leave(ref, depth); };
     QVector<bool> visited(snapshot.nodes.size(), false);

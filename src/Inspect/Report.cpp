@@ -124,8 +124,8 @@ QByteArray attributes(const QXmlStreamAttributes& given)
         if (!attribute.namespaceUri().isEmpty() || !isOneOf(attribute.name(), kDrawnAttributes)
             || attribute.value().contains(QLatin1String("url"), Qt::CaseInsensitive))
             continue;
-        text += " " + attribute.name().toLatin1() + "=\""
-            + escapedMarkup(attribute.value().toString()) + "\"";
+        text += " " + attribute.name().toLatin1() + "='"
+            + escapedMarkup(attribute.value().toString()) + "'";
     }
     return text;
 }
@@ -145,9 +145,9 @@ QByteArray rootElement(const QXmlStreamAttributes& given, const QByteArray& desc
     const double width = points(given.value(QLatin1String("width")));
     if (width == 0)
         return QByteArray();
-    return "<svg class=\"graph\" role=\"img\" aria-label=\"" + description + "\" viewBox=\""
+    return "<svg class='graph' role='img' aria-label='" + description + "' viewBox='"
         + escapedMarkup(given.value(QLatin1String("viewBox")).toString())
-        + "\" style=\"--w:" + number(width) + "pt\">\n";
+        + "' style='--w:" + number(width) + "pt'>\n";
 }
 
 /// What an SVG picture draws, for use within a page: shapes and texts and nothing that acts, refers to
@@ -341,21 +341,23 @@ void Page::writeHead()
 {
     const QByteArray title =
         content.title.isEmpty() ? QByteArray("Render graph") : escapedMarkup(content.title);
-    out += "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+    out += "<!DOCTYPE html>\n<html lang='en'>\n<head>\n<meta charset='utf-8'>\n"
            // Nothing is loaded and nothing is run, whatever names or a picture may hold.
-           "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-           "style-src 'unsafe-inline'; img-src data:; base-uri 'none'; form-action 'none'\">\n"
-           "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-           "<meta name=\"color-scheme\" content=\"light dark\">\n"
-           "<link rel=\"icon\" href=\"data:,\">\n<title>"
+           "<meta http-equiv='Content-Security-Policy' content="
+           R"("default-src 'none'; style-src 'unsafe-inline'; img-src data:; )"
+           R"(base-uri 'none'; form-action 'none'">)"
+           "\n"
+           "<meta name='viewport' content='width=device-width, initial-scale=1'>\n"
+           "<meta name='color-scheme' content='light dark'>\n"
+           "<link rel='icon' href='data:,'>\n<title>"
         + title + "</title>\n<style>" + kReportStyle + "</style>\n</head>\n<body>\n<header>\n<h1>"
         + title + "</h1>\n";
     writeFacts();
-    out += "<nav aria-label=\"Sections\"><ul><li><a href=\"#picture\">Picture</a></li>"
-           "<li><a href=\"#passes\">Passes</a></li>";
+    out += "<nav aria-label='Sections'><ul><li><a href='#picture'>Picture</a></li>"
+           "<li><a href='#passes'>Passes</a></li>";
     if (!wholeFrames.isEmpty()) {
-        out += "<li><a href=\"#times\">Frame times</a></li>"
-               "<li><a href=\"#timelines\">Timelines</a></li>";
+        out += "<li><a href='#times'>Frame times</a></li>"
+               "<li><a href='#timelines'>Timelines</a></li>";
     }
     out += "</ul></nav>\n</header>\n<main>\n";
 }
@@ -376,7 +378,7 @@ void Page::writeFacts()
     const auto fact = [this](const QByteArray& value, const char* name) {
         out += QByteArray("<div><dt>") + name + "</dt><dd>" + value + "</dd></div>";
     };
-    out += "<dl class=\"facts\">";
+    out += "<dl class='facts'>";
     fact(count(schedule.order.size()), schedule.order.size() == 1 ? "pass runs" : "passes run");
     fact(count(notNeeded), "not needed");
     fact(count(disabled), "disabled");
@@ -392,27 +394,27 @@ void Page::writeFacts()
 
 void Page::writePicture()
 {
-    out += "<section aria-labelledby=\"picture\">\n<h2 id=\"picture\">Picture</h2>\n";
+    out += "<section aria-labelledby='picture'>\n<h2 id='picture'>Picture</h2>\n";
     const QByteArray drawn =
         drawnParts(content.picture, "The graph; the table of passes tells the same in words");
     if (drawn.isEmpty()) {
         out += "<p>The graph as text for Graphviz, whose <code>dot -Tsvg</code> draws it.</p>\n"
-               "<pre class=\"scroll\" tabindex=\"0\" role=\"region\" "
-               "aria-label=\"Text for Graphviz, scrollable\">";
+               "<pre class='scroll' tabindex='0' role='region' "
+               "aria-label='Text for Graphviz, scrollable'>";
         const QList<QByteArray> lines = toGraphviz(snapshot, content.failed).split('\n');
         for (const QByteArray& line : lines)
             out += escapedMarkup(QString::fromUtf8(line)) + "\n";
         out += "</pre>\n";
     } else {
-        out += "<div class=\"zoom\" role=\"group\" aria-label=\"The picture and its size\">\n"
-               "<input type=\"radio\" name=\"zoom\" id=\"zoom-fit\" checked>"
-               "<label for=\"zoom-fit\">Fit</label>"
-               "<input type=\"radio\" name=\"zoom\" id=\"zoom-1\">"
-               "<label for=\"zoom-1\">100 %</label>"
-               "<input type=\"radio\" name=\"zoom\" id=\"zoom-2\">"
-               "<label for=\"zoom-2\">200 %</label>\n"
-               "<div class=\"scroll\" tabindex=\"0\" role=\"region\" "
-               "aria-label=\"Picture of the graph, scrollable\">\n"
+        out += "<div class='zoom' role='group' aria-label='The picture and its size'>\n"
+               "<input type='radio' name='zoom' id='zoom-fit' checked>"
+               "<label for='zoom-fit'>Fit</label>"
+               "<input type='radio' name='zoom' id='zoom-1'>"
+               "<label for='zoom-1'>100 %</label>"
+               "<input type='radio' name='zoom' id='zoom-2'>"
+               "<label for='zoom-2'>200 %</label>\n"
+               "<div class='scroll' tabindex='0' role='region' "
+               "aria-label='Picture of the graph, scrollable'>\n"
             + drawn + "</div>\n</div>\n";
         writeLegend();
     }
@@ -422,14 +424,14 @@ void Page::writePicture()
 void Page::writeLegend()
 {
     const auto sample = [this](const char* name, const char* style) {
-        out += QByteArray("<li><svg width=\"34\" height=\"12\" aria-hidden=\"true\">"
-                          "<path d=\"M1 6H33\" fill=\"none\" stroke=\"currentColor\" ")
+        out += QByteArray("<li><svg width='34' height='12' aria-hidden='true'>"
+                          "<path d='M1 6H33' fill='none' stroke='currentColor' ")
             + style + "/></svg>" + name + "</li>";
     };
-    out += "<ul class=\"legend\" aria-label=\"Lines in the picture\">";
-    sample("between siblings", "stroke-width=\"1.5\"");
-    sample("into a group", "stroke-width=\"1.5\" stroke-dasharray=\"5 3\"");
-    sample("out of a group", "stroke-width=\"2\" stroke-dasharray=\"1 4\"");
+    out += "<ul class='legend' aria-label='Lines in the picture'>";
+    sample("between siblings", "stroke-width='1.5'");
+    sample("into a group", "stroke-width='1.5' stroke-dasharray='5 3'");
+    sample("out of a group", "stroke-width='2' stroke-dasharray='1 4'");
     out += "<li>The number of a pass is its place in the order of execution.</li></ul>\n";
 }
 
@@ -438,21 +440,21 @@ void Page::writeTimes(const TraceSummary* times)
     if (!content.trace)
         return;
     if (!times) {
-        out += "<td role=\"cell\"></td><td role=\"cell\"></td><td role=\"cell\"></td>"
-               "<td role=\"cell\"></td>";
+        out += "<td role='cell'></td><td role='cell'></td><td role='cell'></td>"
+               "<td role='cell'></td>";
         return;
     }
     const auto cell = [this](const char* name, qint64 time, const QByteArray& more) {
-        out += "<td role=\"cell\" class=\"n" + more + " data-label=\"" + name + "\">"
+        out += "<td role='cell' class='n" + more + " data-label='" + name + "'>"
             + timeText(static_cast<double>(time)) + "</td>";
     };
     const double part = longestMedian > 0
         ? static_cast<double>(times->median) / static_cast<double>(longestMedian)
         : 0;
-    cell("median", times->median, " share\" style=\"--part:" + percent(part) + "\"");
-    cell("90 %", times->percentile90, "\"");
-    cell("99 %", times->percentile99, "\"");
-    cell("longest", times->maximum, "\"");
+    cell("median", times->median, " share' style='--part:" + percent(part) + "'");
+    cell("90 %", times->percentile90, "'");
+    cell("99 %", times->percentile99, "'");
+    cell("longest", times->maximum, "'");
 }
 
 void Page::writePass(int ref)
@@ -465,12 +467,12 @@ void Page::writePass(int ref)
         : position >= 0                       ? "runs"
         : node.enabled                        ? "not needed"
                                               : "disabled";
-    out += "<tr role=\"row\"><td role=\"cell\" class=\"n place\""
-        + (position < 0 ? QByteArray(">") : " data-label=\"position\">" + count(position + 1))
-        + "</td><th role=\"rowheader\" scope=\"row\">" + escapedMarkup(path)
-        + "</th><td role=\"cell\" class=\"type\">" + escapedMarkup(node.type)
-        + "</td><td role=\"cell\" class=\"why\"><span class=\"state " + drawn + "\">" + word
-        + "</span> <span class=\"reason\">" + reason(ref) + "</span></td>";
+    out += "<tr role='row'><td role='cell' class='n place'"
+        + (position < 0 ? QByteArray(">") : " data-label='position'>" + count(position + 1))
+        + "</td><th role='rowheader' scope='row'>" + escapedMarkup(path)
+        + "</th><td role='cell' class='type'>" + escapedMarkup(node.type)
+        + "</td><td role='cell' class='why'><span class='state " + drawn + "'>" + word
+        + "</span> <span class='reason'>" + reason(ref) + "</span></td>";
     const auto times = timesOf.constFind(path);
     writeTimes(times == timesOf.constEnd() ? nullptr : &passTimes.at(*times));
     out += "</tr>\n";
@@ -479,9 +481,9 @@ void Page::writePass(int ref)
 
 void Page::writeUnknownPass(const TraceSummary& times)
 {
-    out += "<tr role=\"row\"><td role=\"cell\"></td><th role=\"rowheader\" scope=\"row\">"
+    out += "<tr role='row'><td role='cell'></td><th role='rowheader' scope='row'>"
         + escapedMarkup(times.name)
-        + "</th><td role=\"cell\"></td><td role=\"cell\" class=\"why\"><span class=\"reason\">Not "
+        + "</th><td role='cell'></td><td role='cell' class='why'><span class='reason'>Not "
           "in this graph."
           "</span></td>";
     writeTimes(&times);
@@ -490,21 +492,20 @@ void Page::writeUnknownPass(const TraceSummary& times)
 
 void Page::writePasses()
 {
-    out += "<section aria-labelledby=\"passes\">\n<h2 id=\"passes\">Passes</h2>\n"
-           "<div class=\"scroll\" tabindex=\"0\" role=\"region\" "
-           "aria-label=\"Table of passes, scrollable\">\n"
-           "<table role=\"table\" class=\"cards\">\n<thead role=\"rowgroup\"><tr role=\"row\">"
-           "<th role=\"columnheader\" scope=\"col\" class=\"n\">Position</th>"
-           "<th role=\"columnheader\" scope=\"col\">Pass</th>"
-           "<th role=\"columnheader\" scope=\"col\">Type</th>"
-           "<th role=\"columnheader\" scope=\"col\">State</th>";
+    out += "<section aria-labelledby='passes'>\n<h2 id='passes'>Passes</h2>\n"
+           "<div class='scroll' tabindex='0' role='region' "
+           "aria-label='Table of passes, scrollable'>\n"
+           "<table role='table' class='cards'>\n<thead role='rowgroup'><tr role='row'>"
+           "<th role='columnheader' scope='col' class='n'>Position</th>"
+           "<th role='columnheader' scope='col'>Pass</th>"
+           "<th role='columnheader' scope='col'>Type</th>"
+           "<th role='columnheader' scope='col'>State</th>";
     if (content.trace) {
         for (const char* name : {"Median", "90&#160;%", "99&#160;%", "Longest"}) {
-            out +=
-                QByteArray("<th role=\"columnheader\" scope=\"col\" class=\"n\">") + name + "</th>";
+            out += QByteArray("<th role='columnheader' scope='col' class='n'>") + name + "</th>";
         }
     }
-    out += "</tr></thead>\n<tbody role=\"rowgroup\">\n";
+    out += "</tr></thead>\n<tbody role='rowgroup'>\n";
     for (const int ref : schedule.order)
         writePass(ref);
     for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
@@ -518,7 +519,7 @@ void Page::writePasses()
     }
     out += "</tbody>\n</table>\n</div>\n";
     if (content.trace) {
-        out += "<p class=\"soft\">Times are what all calls of a pass took in one frame, waiting "
+        out += "<p class='soft'>Times are what all calls of a pass took in one frame, waiting "
                "included; so many percent of the frames took no longer.</p>\n";
     }
     out += "</section>\n";
@@ -571,25 +572,25 @@ void Page::writeHistogram(const QVector<qint64>& times)
     };
 
     out += "<figure>\n<figcaption>How many frames took how long</figcaption>\n"
-           "<svg class=\"chart\" height=\"244\" role=\"img\" aria-label=\"Histogram of "
+           "<svg class='chart' height='244' role='img' aria-label='Histogram of "
         + count(times.size()) + " frame times: median "
         + timeText(static_cast<double>(frameTimes.median)) + ", longest "
-        + timeText(static_cast<double>(frameTimes.maximum)) + "\">\n";
+        + timeText(static_cast<double>(frameTimes.maximum)) + "'>\n";
     for (int frames = gridStep; frames <= most; frames += gridStep) {
         const bool isHighest = frames + gridStep > most;
-        out += "<line class=\"grid\" x1=\"0\" x2=\"100%\" y1=\"" + number(y(frames)) + "\" y2=\""
-            + number(y(frames)) + "\"/><text class=\"quiet halo\" x=\"0\" y=\""
-            + number(y(frames) - 4) + "\">" + count(frames)
-            + (isHighest ? frames == 1 ? " frame" : " frames" : "") + "</text>\n";
+        out += "<line class='grid' x1='0' x2='100%' y1='" + number(y(frames)) + "' y2='"
+            + number(y(frames)) + "'/><text class='quiet halo' x='0' y='" + number(y(frames) - 4)
+            + "'>" + count(frames) + (isHighest ? frames == 1 ? " frame" : " frames" : "")
+            + "</text>\n";
     }
     for (int bin = 0; bin < bins.counts.size(); ++bin) {
         const int frames = bins.counts.at(bin);
         if (frames == 0)
             continue;
         const bool isRest = bins.hasRest && bin == bins.counts.size() - 1;
-        out += QByteArray("<rect class=\"bar") + (isRest ? " rest" : "") + "\" x=\""
-            + percent(bin / numBins) + "\" width=\"" + percent(1 / numBins) + "\" y=\""
-            + number(y(frames)) + "\" height=\"" + number(bottom - y(frames)) + "\"><title>"
+        out += QByteArray("<rect class='bar") + (isRest ? " rest" : "") + "' x='"
+            + percent(bin / numBins) + "' width='" + percent(1 / numBins) + "' y='"
+            + number(y(frames)) + "' height='" + number(bottom - y(frames)) + "'><title>"
             + range(bin) + ": " + count(frames) + "</title></rect>\n";
     }
     const double to = bins.from + numBins * bins.step;
@@ -598,29 +599,29 @@ void Page::writeHistogram(const QVector<qint64>& times)
         const double part =
             qBound(0.0, (static_cast<double>(time) - bins.from) / (to - bins.from), 1.0);
         const bool isLeft = part > (*kind == '\0' ? 0.35 : 0.65);
-        out += QByteArray("<line class=\"mark ") + kind + "\" x1=\"" + percent(part) + "\" x2=\""
-            + percent(part) + "\" y1=\"" + count(at - 10)
-            + "\" y2=\"204\"/><text class=\"halo\" x=\"" + percent(part) + "\" y=\"" + count(at)
-            + "\" dx=\"" + (isLeft ? "-5" : "5") + "\" text-anchor=\"" + (isLeft ? "end" : "start")
-            + "\">" + name + " " + timeText(static_cast<double>(time)) + "</text>\n";
+        out += QByteArray("<line class='mark ") + kind + "' x1='" + percent(part) + "' x2='"
+            + percent(part) + "' y1='" + count(at - 10) + "' y2='204'/><text class='halo' x='"
+            + percent(part) + "' y='" + count(at) + "' dx='" + (isLeft ? "-5" : "5")
+            + "' text-anchor='" + (isLeft ? "end" : "start") + "'>" + name + " "
+            + timeText(static_cast<double>(time)) + "</text>\n";
     };
     mark("", "median", frameTimes.median, 12);
     mark("far", "99 % within", frameTimes.percentile99, 27);
-    out += "<line class=\"axis\" x1=\"0\" x2=\"100%\" y1=\"204\" y2=\"204\"/>\n";
+    out += "<line class='axis' x1='0' x2='100%' y1='204' y2='204'/>\n";
     const int labelStep = qMax(1, static_cast<int>(std::ceil(numBins / 4)));
     for (int bin = 0; bin < bins.counts.size() - labelStep / 2; bin += labelStep) {
-        out += "<text class=\"quiet\" x=\"" + percent(bin / numBins) + "\" y=\"220\">"
+        out += "<text class='quiet' x='" + percent(bin / numBins) + "' y='220'>"
             + tickText(bins.from + bin * bins.step) + "</text>\n";
     }
     if (bins.hasRest)
-        out += "<text class=\"quiet\" x=\"100%\" y=\"220\" text-anchor=\"end\">longer</text>\n";
-    out += "<text class=\"quiet\" x=\"100%\" y=\"240\" text-anchor=\"end\">time of a frame</text>\n"
+        out += "<text class='quiet' x='100%' y='220' text-anchor='end'>longer</text>\n";
+    out += "<text class='quiet' x='100%' y='240' text-anchor='end'>time of a frame</text>\n"
            "</svg>\n"
-           "<details><summary>As a table</summary>\n<table>\n<thead><tr><th scope=\"col\">Time</th>"
-           "<th scope=\"col\" class=\"n\">Frames</th></tr></thead>\n<tbody>\n";
+           "<details><summary>As a table</summary>\n<table>\n<thead><tr><th scope='col'>Time</th>"
+           "<th scope='col' class='n'>Frames</th></tr></thead>\n<tbody>\n";
     for (int bin = 0; bin < bins.counts.size(); ++bin) {
         if (bins.counts.at(bin) > 0) {
-            out += "<tr><th scope=\"row\">" + range(bin) + "</th><td class=\"n\">"
+            out += "<tr><th scope='row'>" + range(bin) + "</th><td class='n'>"
                 + count(bins.counts.at(bin)) + "</td></tr>\n";
         }
     }
@@ -634,10 +635,10 @@ void Page::writeFrameTimes()
     for (const TraceEvent& frame : qAsConst(wholeFrames))
         times.append(qMax<qint64>(0, frame.endNs - frame.beginNs));
     std::sort(times.begin(), times.end());
-    out += "<section aria-labelledby=\"times\">\n<h2 id=\"times\">Frame times</h2>\n";
+    out += "<section aria-labelledby='times'>\n<h2 id='times'>Frame times</h2>\n";
     writeHistogram(times);
     if (content.trace->numDropped() > 0) {
-        out += "<p class=\"soft\">The trace was full before the end: "
+        out += "<p class='soft'>The trace was full before the end: "
             + count(content.trace->numDropped())
             + " events and the frames that they belong to are missing.</p>\n";
     }
@@ -649,40 +650,39 @@ void Page::writeBars(const TraceEvent& frame, const QVector<Bar>& bars)
     const int rowHeight = 34;
     const int height = rowHeight * bars.size() + 24;
     const double length = qMax(1.0, static_cast<double>(frame.endNs - frame.beginNs));
-    const auto part = [&](qint64 time) {
+    const auto partAt = [&](qint64 time) {
         return qBound(0.0, static_cast<double>(time - frame.beginNs) / length, 1.0);
     };
     const double step = roundedUp(length / 4);
 
-    out += "<svg class=\"chart timeline\" height=\"" + count(height)
-        + "\" role=\"img\" aria-label=\"Timeline of frame " + count(frame.frame)
-        + "; the table below tells the same\">\n";
+    out += "<svg class='chart timeline' height='" + count(height)
+        + "' role='img' aria-label='Timeline of frame " + count(frame.frame)
+        + "; the table below tells the same'>\n";
     int y = 0;
     for (const Bar& bar : bars) {
-        out += "<rect class=\"track\" x=\"0\" width=\"100%\" y=\"" + count(y + 17)
-            + "\" height=\"12\"/>\n";
+        out += "<rect class='track' x='0' width='100%' y='" + count(y + 17) + "' height='12'/>\n";
         for (const TraceEvent& event : bar.events) {
             const bool isWait = event.kind == TraceEvent::Wait;
-            out += QByteArray("<rect class=\"") + (isWait ? "waited" : "call")
-                + (bar.errorCode != 0 && !isWait ? " bad\"" : "\"")
-                + (isWait ? " fill=\"url(#waited)\"" : "") + " x=\"" + percent(part(event.beginNs))
-                + "\" width=\"" + percent(part(event.endNs) - part(event.beginNs)) + "\" y=\""
-                + count(y + 17) + "\" height=\"12\"/>\n";
+            out += QByteArray("<rect class='") + (isWait ? "waited" : "call")
+                + (bar.errorCode != 0 && !isWait ? " bad'" : "'")
+                + (isWait ? " fill='url(#waited)'" : "") + " x='" + percent(partAt(event.beginNs))
+                + "' width='" + percent(partAt(event.endNs) - partAt(event.beginNs)) + "' y='"
+                + count(y + 17) + "' height='12'/>\n";
         }
         const QString name = shortened(content.trace->passName(bar.pass), 36);
-        out += "<text x=\"0\" y=\"" + count(y + 12) + "\">" + escapedMarkup(name)
-            + "</text><text class=\"quiet\" x=\"100%\" y=\"" + count(y + 12)
-            + "\" text-anchor=\"end\">" + timeText(static_cast<double>(bar.called + bar.waited))
+        out += "<text x='0' y='" + count(y + 12) + "'>" + escapedMarkup(name)
+            + "</text><text class='quiet' x='100%' y='" + count(y + 12) + "' text-anchor='end'>"
+            + timeText(static_cast<double>(bar.called + bar.waited))
             + (bar.errorCode != 0 ? ", failed" : "") + "</text>\n";
         y += rowHeight;
     }
-    for (double time = 0; time <= length; time += step) {
-        const QByteArray x = percent(time / length);
-        out += "<line class=\"grid\" x1=\"" + x + "\" x2=\"" + x + "\" y1=\"" + count(height - 22)
-            + "\" y2=\"" + count(height - 16) + "\"/>";
-        if (time / length < 0.9) {
-            out += "<text class=\"quiet\" x=\"" + x + "\" y=\"" + count(height - 3) + "\">"
-                + tickText(time) + "</text>\n";
+    for (int tick = 0; tick * step <= length; ++tick) {
+        const double part = tick * step / length;
+        out += "<line class='grid' x1='" + percent(part) + "' x2='" + percent(part) + "' y1='"
+            + count(height - 22) + "' y2='" + count(height - 16) + "'/>";
+        if (part < 0.9) {
+            out += "<text class='quiet' x='" + percent(part) + "' y='" + count(height - 3) + "'>"
+                + tickText(tick * step) + "</text>\n";
         }
     }
     out += "</svg>\n";
@@ -722,7 +722,7 @@ void Page::writeTimeline(const TraceEvent& frame, const QByteArray& id, const QB
                          [](const Bar& a, const Bar& b) { return a.begin < b.begin; });
     }
 
-    out += "<h3 id=\"" + id + "\">" + title + ": frame " + count(frame.frame) + ", "
+    out += "<h3 id='" + id + "'>" + title + ": frame " + count(frame.frame) + ", "
         + timeText(static_cast<double>(frame.endNs - frame.beginNs)) + "</h3>\n<figure>\n";
     if (numPasses > kMostBars) {
         out += "<figcaption>The " + count(kMostBars) + " longest of " + count(numPasses)
@@ -730,19 +730,18 @@ void Page::writeTimeline(const TraceEvent& frame, const QByteArray& id, const QB
     }
     writeBars(frame, bars);
     out += "<details><summary>As a table</summary>\n"
-           "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Table of frame "
-        + count(frame.frame) + ", scrollable\">\n<table>\n<thead><tr><th scope=\"col\">Pass</th>"
-        + "<th scope=\"col\" class=\"n\">From</th><th scope=\"col\" class=\"n\">To</th>"
-          "<th scope=\"col\" class=\"n\">In calls</th><th scope=\"col\" class=\"n\">Waiting</th>"
-          "<th scope=\"col\" class=\"n\">Error</th></tr></thead>\n<tbody>\n";
+           "<div class='scroll' tabindex='0' role='region' aria-label='Table of frame "
+        + count(frame.frame) + ", scrollable'>\n<table>\n<thead><tr><th scope='col'>Pass</th>"
+        + "<th scope='col' class='n'>From</th><th scope='col' class='n'>To</th>"
+          "<th scope='col' class='n'>In calls</th><th scope='col' class='n'>Waiting</th>"
+          "<th scope='col' class='n'>Error</th></tr></thead>\n<tbody>\n";
     for (const Bar& bar : qAsConst(bars)) {
-        out +=
-            "<tr><th scope=\"row\">" + escapedMarkup(content.trace->passName(bar.pass)) + "</th>";
+        out += "<tr><th scope='row'>" + escapedMarkup(content.trace->passName(bar.pass)) + "</th>";
         for (const qint64 time :
              {bar.begin - frame.beginNs, bar.end - frame.beginNs, bar.called, bar.waited}) {
-            out += "<td class=\"n\">" + timeText(static_cast<double>(time)) + "</td>";
+            out += "<td class='n'>" + timeText(static_cast<double>(time)) + "</td>";
         }
-        out += "<td class=\"n\">" + (bar.errorCode == 0 ? QByteArray() : count(bar.errorCode))
+        out += "<td class='n'>" + (bar.errorCode == 0 ? QByteArray() : count(bar.errorCode))
             + "</td></tr>\n";
     }
     out += "</tbody>\n</table>\n</div>\n</details>\n</figure>\n";
@@ -766,16 +765,16 @@ void Page::writeTimelines()
             ofLongest.append(event);
     }
 
-    out += "<section aria-labelledby=\"timelines\">\n<h2 id=\"timelines\">Timelines</h2>\n"
-           "<ul class=\"legend\"><li><svg width=\"24\" height=\"12\" class=\"chart\" "
-           "style=\"width:24px;display:inline-block\" aria-hidden=\"true\"><defs>"
-           "<pattern id=\"waited\" width=\"6\" height=\"6\" patternUnits=\"userSpaceOnUse\" "
-           "patternTransform=\"rotate(45)\"><path d=\"M1 0V6\" stroke-width=\"2\" "
-           "style=\"stroke:var(--run)\"/></pattern></defs>"
-           "<rect class=\"call\" width=\"24\" height=\"12\"/></svg>in calls of the pass</li>"
-           "<li><svg width=\"24\" height=\"12\" class=\"chart\" "
-           "style=\"width:24px;display:inline-block\" aria-hidden=\"true\">"
-           "<rect class=\"waited\" fill=\"url(#waited)\" width=\"24\" height=\"12\"/></svg>"
+    out += "<section aria-labelledby='timelines'>\n<h2 id='timelines'>Timelines</h2>\n"
+           "<ul class='legend'><li><svg width='24' height='12' class='chart' "
+           "style='width:24px;display:inline-block' aria-hidden='true'><defs>"
+           "<pattern id='waited' width='6' height='6' patternUnits='userSpaceOnUse' "
+           "patternTransform='rotate(45)'><path d='M1 0V6' stroke-width='2' "
+           "style='stroke:var(--run)'/></pattern></defs>"
+           "<rect class='call' width='24' height='12'/></svg>in calls of the pass</li>"
+           "<li><svg width='24' height='12' class='chart' "
+           "style='width:24px;display:inline-block' aria-hidden='true'>"
+           "<rect class='waited' fill='url(#waited)' width='24' height='12'/></svg>"
            "waiting for it to finish</li></ul>\n";
     if (middle.frame != longest.frame)
         writeTimeline(middle, "median-frame", "The median frame", ofMiddle);

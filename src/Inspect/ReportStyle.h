@@ -80,7 +80,7 @@ td.share { background: linear-gradient(to right, var(--share) var(--part), trans
 .disabled { color: var(--off); background: var(--offfill); border-style: dotted; }
 .failed { color: var(--bad); background: var(--badfill); border-style: double; border-width: 4px; }
 .reason { color: var(--soft); overflow-wrap: anywhere; }
-.type { overflow-wrap: anywhere; min-width: 5rem; }
+.type { overflow-wrap: anywhere; min-width: 6.5rem; }
 .chart { display: block; width: 100%; overflow: visible; font-size: 12px; }
 .chart text { fill: var(--text); font-variant-numeric: tabular-nums; }
 .chart .quiet { fill: var(--soft); }

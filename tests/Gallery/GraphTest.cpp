@@ -8,11 +8,6 @@
 
 namespace {
 
-QStringList words(const char* line)
-{
-    return QString::fromLatin1(line).split(QLatin1Char(' '));
-}
-
 /// The names in a list of passes, without numbers and groups.
 QStringList passNames(const ProgramRun& list)
 {

@@ -4,7 +4,6 @@
 #include "Picture.h"
 #include "Program.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QPoint>
 #include <QtCore/QVector>
@@ -19,18 +18,6 @@ const QString firstDebug = QStringLiteral("/debug-0000.png");
 QImage reference(const QString& name)
 {
     return loadPicture(QStringLiteral(GALLERY_TEST_DATA "/reference/%1.png").arg(name));
-}
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
-    return file.readAll();
-}
-
-QStringList words(const char* line)
-{
-    return QString::fromLatin1(line).split(QLatin1Char(' '));
 }
 
 /// The pixels of at least this brightness.

@@ -3,6 +3,7 @@
 
 #include "Program.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QProcess>
 
 QStringList ProgramRun::linesAfter(const QString& beginning) const
@@ -41,6 +42,18 @@ ProgramRun runGallery(const QStringList& arguments, const QStringList& extra,
     run.out = QString::fromUtf8(process.readAllStandardOutput());
     run.err = QString::fromUtf8(process.readAllStandardError());
     return run;
+}
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    return file.readAll();
+}
+
+QStringList words(const char* line)
+{
+    return QString::fromLatin1(line).split(QLatin1Char(' '));
 }
 
 QString blocksModel()

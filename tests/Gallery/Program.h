@@ -30,6 +30,11 @@ struct ProgramRun
 ProgramRun runGallery(const QStringList& arguments, const QStringList& extra = QStringList(),
                       const QString& outFile = QString());
 
+/// The bytes of a file; none, and a failed test, when it cannot be read.
+QByteArray bytesOf(const QString& path);
+/// The words of a command line.
+QStringList words(const char* line);
+
 /// A model of three boxes and a post that is part of the tests.
 QString blocksModel();
 

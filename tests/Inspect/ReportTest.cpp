@@ -12,7 +12,10 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTemporaryDir>
 
 using namespace Kestrin::Orv::Inspect;
 
@@ -40,8 +43,8 @@ QByteArray withPicture(const QByteArray& picture)
 
 QByteArray svg(const QByteArray& inside)
 {
-    return "<svg xmlns=\"http://www.w3.org/2000/svg\" xmlns:xlink=\"http://www.w3.org/1999/xlink\" "
-           "width=\"40pt\" height=\"20pt\" viewBox=\"0 0 40 20\">"
+    return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' "
+           "width='40pt' height='20pt' viewBox='0 0 40 20'>"
         + inside + "</svg>";
 }
 
@@ -56,10 +59,10 @@ QByteArray between(const QByteArray& page, const char* from, const char* to)
 /// The row of a pass without its tags.
 std::string row(const QByteArray& page, const char* path)
 {
-    const QByteArray table = between(page, "class=\"cards\"", "</table>");
+    const QByteArray table = between(page, "class='cards'", "</table>");
     const QList<QByteArray> lines = table.split('\n');
     for (const QByteArray& line : lines) {
-        if (!line.contains(QByteArray("scope=\"row\">") + path + "</th>"))
+        if (!line.contains(QByteArray("scope='row'>") + path + "</th>"))
             continue;
         QString cells = QString::fromUtf8(line);
         cells.replace(QRegularExpression(QStringLiteral("</t[dh]>")), QStringLiteral("|"));
@@ -77,8 +80,8 @@ std::string nestingProblem(const QByteArray& page)
     QString html = QString::fromUtf8(page);
     html.remove(QRegularExpression(QStringLiteral("<style>.*</style>"),
                                    QRegularExpression::DotMatchesEverythingOption));
-    const QRegularExpression tag(
-        QStringLiteral("<(/?)([a-zA-Z0-9]+)((?:\\s+[-a-zA-Z0-9]+(?:=\"[^\"<>]*\")?)*)(/?)>|<"));
+    const QRegularExpression tag(QStringLiteral(
+        "<(/?)([a-zA-Z0-9]+)((?:\\s+[-a-zA-Z0-9]+(?:=(?:'[^'<>]*'|\"[^\"<>]*\"))?)*)(/?)>|<"));
     QStringList open;
     auto tags = tag.globalMatch(html);
     while (tags.hasNext()) {
@@ -117,10 +120,10 @@ struct Frames
     /// What the table behind the histogram says: range and number, line by line.
     std::vector<std::string> histogram() const
     {
-        const QByteArray figure = between(report(Snapshot(), &trace), "id=\"times\"", "</figure>");
+        const QByteArray figure = between(report(Snapshot(), &trace), "id='times'", "</figure>");
         EXPECT_EQ(nestingProblem(report(Snapshot(), &trace)), "");
         const QRegularExpression line(
-            QStringLiteral("<tr><th scope=\"row\">([^<]*)</th><td class=\"n\">(\\d+)</td>"));
+            QStringLiteral("<tr><th scope='row'>([^<]*)</th><td class='n'>(\\d+)</td>"));
         std::vector<std::string> lines;
         auto matches = line.globalMatch(QString::fromUtf8(figure));
         while (matches.hasNext()) {
@@ -143,16 +146,50 @@ TEST(Report, IsOnePageThatMayLoadNothing)
     run.run(5);
     const QByteArray page = report(run.snapshot(), &run.trace);
     EXPECT_TRUE(
-        page.startsWith("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-                        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src "
-                        "'none'; style-src 'unsafe-inline'; img-src data:; base-uri 'none'; "
-                        "form-action 'none'\">\n"));
-    EXPECT_TRUE(page.contains("<meta name=\"viewport\""));
+        page.startsWith("<!DOCTYPE html>\n<html lang='en'>\n<head>\n<meta charset='utf-8'>\n"
+                        "<meta http-equiv='Content-Security-Policy' content="
+                        R"("default-src 'none'; style-src 'unsafe-inline'; )"
+                        R"(img-src data:; base-uri 'none'; form-action 'none'">)"
+                        "\n"));
+    EXPECT_TRUE(page.contains("<meta name='viewport'"));
     EXPECT_FALSE(page.contains("http:"));
     EXPECT_FALSE(page.contains("https:"));
     EXPECT_FALSE(page.contains("<script"));
     EXPECT_FALSE(page.contains("@import"));
     EXPECT_EQ(nestingProblem(page), "");
+}
+
+TEST(Report, IsWrittenAsTheDocumentsSay)
+{
+    const SampleRenderer sample;
+    SampleRun run(sample.snapshot);
+    run.run(2);
+    Kestrin::Orv::Renderer& renderer = run.renderer;
+    const Trace& trace = run.trace;
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("forest.html"));
+    //! [report]
+    const Snapshot snapshot = Snapshot::of(renderer);
+    QProcess dot;
+    dot.start(QStringLiteral("dot"), {QStringLiteral("-Tsvg")});
+    dot.write(toGraphviz(snapshot));
+    dot.closeWriteChannel();
+    dot.waitForFinished();
+
+    ReportContent content;
+    content.title = QStringLiteral("Forest scene");
+    content.snapshot = &snapshot;
+    content.trace = &trace;
+    content.picture = dot.readAllStandardOutput();
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(toHtml(content));
+    //! [report]
+    file.close();
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray page = file.readAll();
+    EXPECT_EQ(text(page), text(toHtml(content)));
+    EXPECT_TRUE(page.contains("<h1>Forest scene</h1>"));
 }
 
 TEST(Report, EscapesItsTitle)
@@ -174,11 +211,11 @@ TEST(Report, ListsPassesInTheirOrderOfExecution)
     int last = 0;
     for (const char* path : {"Geometry", "Shadows", "Lighting", "Bloom/Bright", "Bloom/Blur",
                              "Bloom/Blend", "Tone", "Antialias", "Grain", "Wireframe"}) {
-        const int at = page.indexOf(QByteArray("scope=\"row\">") + path + "</th>");
+        const int at = page.indexOf(QByteArray("scope='row'>") + path + "</th>");
         EXPECT_GT(at, last) << path;
         last = at;
     }
-    EXPECT_FALSE(page.contains("scope=\"row\">Bloom</th>"));
+    EXPECT_FALSE(page.contains("scope='row'>Bloom</th>"));
 }
 
 TEST(Report, SaysOfEachPassWhyItRunsOrNot)
@@ -271,7 +308,7 @@ TEST(Report, OfNothingButASnapshotHasNoTimes)
 {
     const SampleRenderer sample;
     const QByteArray page = report(sample.snapshot);
-    EXPECT_FALSE(page.contains("id=\"times\""));
+    EXPECT_FALSE(page.contains("id='times'"));
     EXPECT_FALSE(page.contains("Median"));
     EXPECT_EQ(nestingProblem(page), "");
 }
@@ -281,7 +318,7 @@ TEST(Report, OfATraceWithoutFramesSaysSo)
     const Frames none({});
     const QByteArray page = report(Snapshot(), &none.trace);
     EXPECT_TRUE(page.contains("No frame has been recorded."));
-    EXPECT_FALSE(page.contains("id=\"times\""));
+    EXPECT_FALSE(page.contains("id='times'"));
     EXPECT_EQ(nestingProblem(page), "");
 }
 
@@ -370,10 +407,10 @@ TEST(ReportTimeline, TellsCallsFromWaiting)
     SampleRun run(builder.snapshot);
     run.run(1);
     const QByteArray page = report(run.snapshot(), &run.trace);
-    const QByteArray timeline = between(page, "id=\"longest-frame\"", "</figure>");
-    EXPECT_TRUE(timeline.contains("class=\"waited\" fill=\"url(#waited)\""));
-    EXPECT_TRUE(timeline.contains("<th scope=\"row\">Waits</th>"));
-    EXPECT_TRUE(timeline.contains("<td class=\"n\">360 \xC2\xB5s</td><td class=\"n\"></td></tr>"))
+    const QByteArray timeline = between(page, "id='longest-frame'", "</figure>");
+    EXPECT_TRUE(timeline.contains("class='waited' fill='url(#waited)'"));
+    EXPECT_TRUE(timeline.contains("<th scope='row'>Waits</th>"));
+    EXPECT_TRUE(timeline.contains("<td class='n'>360 \xC2\xB5s</td><td class='n'></td></tr>"))
         << text(timeline);
 }
 
@@ -384,10 +421,10 @@ TEST(ReportTimeline, TellsTheErrorOfAPass)
     run.fail(sample.lighting, 17);
     run.run(1);
     const QByteArray page = report(run.snapshot(), &run.trace);
-    const QByteArray timeline = between(page, "id=\"longest-frame\"", "</figure>");
-    EXPECT_TRUE(timeline.contains("class=\"call bad\""));
+    const QByteArray timeline = between(page, "id='longest-frame'", "</figure>");
+    EXPECT_TRUE(timeline.contains("class='call bad'"));
     EXPECT_TRUE(timeline.contains(", failed</text>"));
-    EXPECT_TRUE(timeline.contains("<td class=\"n\">17</td>"));
+    EXPECT_TRUE(timeline.contains("<td class='n'>17</td>"));
     EXPECT_FALSE(timeline.contains("Bloom/Bright")) << "which came after it";
 }
 
@@ -402,13 +439,13 @@ TEST(ReportTimeline, OfManyPassesShowsTheLongest)
     SampleRun run(builder.snapshot);
     run.run(1);
     const QByteArray page = report(run.snapshot(), &run.trace);
-    const QByteArray timeline = between(page, "id=\"longest-frame\"", "</figure>");
+    const QByteArray timeline = between(page, "id='longest-frame'", "</figure>");
     EXPECT_TRUE(timeline.contains("The 60 longest of 100 passes"));
-    EXPECT_EQ(timeline.count("<th scope=\"row\">"), 60);
-    EXPECT_EQ(timeline.count("class=\"track\""), 60);
+    EXPECT_EQ(timeline.count("<th scope='row'>"), 60);
+    EXPECT_EQ(timeline.count("class='track'"), 60);
     // In the order in which they were called.
     int last = -1;
-    const QRegularExpression name(QStringLiteral("<th scope=\"row\">P(\\d+)</th>"));
+    const QRegularExpression name(QStringLiteral("<th scope='row'>P(\\d+)</th>"));
     auto names = name.globalMatch(QString::fromUtf8(timeline));
     while (names.hasNext()) {
         const int number = names.next().captured(1).toInt();
@@ -423,27 +460,27 @@ TEST(ReportPicture, IsPartOfThePage)
         withPicture("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\n"
                     "<!DOCTYPE svg PUBLIC \"-//W3C//DTD SVG 1.1//EN\"\n"
                     " \"http://www.w3.org/Graphics/SVG/1.1/DTD/svg11.dtd\">\n<!-- made by dot -->\n"
-                    + svg("<g id=\"a\" class=\"node\" transform=\"scale(1 1)\"><title>n1</title>"
-                          "<polygon fill=\"#ffffff\" points=\"0,0 1,0 1,1\"/><text x=\"1\" "
-                          "y=\"2\">a &lt; b</text>"
+                    + svg("<g id='a' class='node' transform='scale(1 1)'><title>n1</title>"
+                          "<polygon fill='#ffffff' points='0,0 1,0 1,1'/><text x='1' "
+                          "y='2'>a &lt; b</text>"
                           "</g>"));
-    EXPECT_TRUE(page.contains("viewBox=\"0 0 40 20\" style=\"--w:40.000pt\">\n"
-                              "<g class=\"node\" transform=\"scale(1 1)\">"
-                              "<polygon fill=\"#ffffff\" points=\"0,0 1,0 1,1\"></polygon>"
-                              "<text x=\"1\" y=\"2\">a &lt; b</text></g></svg>"));
+    EXPECT_TRUE(page.contains("viewBox='0 0 40 20' style='--w:40.000pt'>\n"
+                              "<g class='node' transform='scale(1 1)'>"
+                              "<polygon fill='#ffffff' points='0,0 1,0 1,1'></polygon>"
+                              "<text x='1' y='2'>a &lt; b</text></g></svg>"));
     EXPECT_FALSE(page.contains("<!DOCTYPE svg"));
     EXPECT_EQ(nestingProblem(page), "");
 }
 
 TEST(ReportPicture, KeepsNothingThatActsOrLoads)
 {
-    const QByteArray page = withPicture(svg(
-        "<script>alert(1)</script><style>*{}</style><image xlink:href=\"e:1\"/><use href=\"e:2\"/>"
-        "<foreignObject><p>x</p></foreignObject><animate/><set/><svg><script/></svg>"
-        "<g onclick=\"e:3\" style=\"e:4\" href=\"e:5\"><a "
-        "xlink:href=\"javascript:e\"><text>kept</text>"
-        "</a></g><polygon fill=\"URL(e:6)\" points=\"\"/>"));
-    EXPECT_TRUE(page.contains("<g><text>kept</text></g><polygon points=\"\"></polygon></svg>"));
+    const QByteArray page = withPicture(
+        svg("<script>alert(1)</script><style>*{}</style><image xlink:href='e:1'/><use href='e:2'/>"
+            "<foreignObject><p>x</p></foreignObject><animate/><set/><svg><script/></svg>"
+            "<g onclick='e:3' style='e:4' href='e:5'><a "
+            "xlink:href='javascript:e'><text>kept</text>"
+            "</a></g><polygon fill='URL(e:6)' points=''/>"));
+    EXPECT_TRUE(page.contains("<g><text>kept</text></g><polygon points=''></polygon></svg>"));
     for (const char* part : {"alert", "e:1", "e:2", "e:3", "e:4", "e:5", "e:6", "javascript",
                              "animate", "foreignObject", "<set", "<use", "<image", "onclick"})
         EXPECT_FALSE(page.contains(part)) << part;
@@ -453,10 +490,10 @@ TEST(ReportPicture, ThatIsNoneGivesWayToItsText)
 {
     const char marker[] = "digraph orv {\n";
     EXPECT_TRUE(withPicture(QByteArray()).contains(marker));
-    EXPECT_TRUE(withPicture("<html width=\"1\"></html>").contains(marker));
-    EXPECT_TRUE(withPicture("<svg width=\"40pt\">").contains(marker));
-    EXPECT_TRUE(withPicture("<svg height=\"40pt\"></svg>").contains(marker));
-    EXPECT_TRUE(withPicture("<svg width=\"-1\"></svg>").contains(marker));
+    EXPECT_TRUE(withPicture("<html width='1'></html>").contains(marker));
+    EXPECT_TRUE(withPicture("<svg width='40pt'>").contains(marker));
+    EXPECT_TRUE(withPicture("<svg height='40pt'></svg>").contains(marker));
+    EXPECT_TRUE(withPicture("<svg width='-1'></svg>").contains(marker));
     EXPECT_TRUE(withPicture(svg("<g></svg>")).contains(marker));
     EXPECT_TRUE(withPicture(svg("&unknown;")).contains(marker));
     EXPECT_TRUE(withPicture("\xFF\xFE\x01").contains(marker));
@@ -476,8 +513,8 @@ TEST(ReportPicture, CannotLeaveItsAttributes)
 {
     const QByteArray page = withPicture(
         "<svg width=\"9\" viewBox='\"&gt;&lt;script&gt;'><g class='\"&gt;&lt;b&gt;'/></svg>");
-    EXPECT_TRUE(page.contains("viewBox=\"&quot;&gt;&lt;script&gt;\""));
-    EXPECT_TRUE(page.contains("class=\"&quot;&gt;&lt;b&gt;\""));
+    EXPECT_TRUE(page.contains("viewBox='&quot;&gt;&lt;script&gt;'"));
+    EXPECT_TRUE(page.contains("class='&quot;&gt;&lt;b&gt;'"));
     EXPECT_EQ(nestingProblem(page), "");
 }
 

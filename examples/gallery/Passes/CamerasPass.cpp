@@ -56,7 +56,8 @@ QMatrix4x4 lightMatrix(QVector3D direction)
 
 } // namespace
 
-CamerasPass::CamerasPass()
+CamerasPass::CamerasPass(const QString& name)
+    : passName(name)
 {
     addInput(QStringLiteral("Angle"), 0.0F);
     addInput(QStringLiteral("LightDirection"), QVector3D(0, 1, 0));
@@ -67,7 +68,7 @@ CamerasPass::CamerasPass()
 
 void CamerasPass::start(Kestrin::Orv::RenderCallbacks* callbacks)
 {
-    callbacks->started.append(QStringLiteral("Cameras"));
+    callbacks->started.append(passName);
     const QSize size = callbacks->frameSize;
     const float aspect = float(size.width()) / float(size.height());
     const float distance = fittingDistance(callbacks->scene.model(), aspect);

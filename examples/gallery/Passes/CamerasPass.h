@@ -16,10 +16,13 @@ namespace Gallery {
 class CamerasPass : public Kestrin::Orv::RenderPassHelper
 {
 public:
-    CamerasPass();
+    explicit CamerasPass(const QString& name);
 
     void start(Kestrin::Orv::RenderCallbacks* callbacks) override;
     void skip(Kestrin::Orv::RenderCallbacks* callbacks) override;
+
+private:
+    QString passName;
 };
 
 } // namespace Gallery

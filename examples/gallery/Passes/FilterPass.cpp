@@ -57,6 +57,15 @@ FilterPass* FilterPass::target(const char* outputName, GLenum format)
     return this;
 }
 
+FilterPass* FilterPass::sizedLike(const char* inputName)
+{
+    const auto isIt = [=](const auto& input) { return input.name == QLatin1String(inputName); };
+    const auto found = std::find_if(inputs.cbegin(), inputs.cend(), isIt);
+    Q_ASSERT(found != inputs.cend());
+    sizeInput = static_cast<int>(found - inputs.cbegin());
+    return this;
+}
+
 FilterPass* FilterPass::scaledDown(int divisor_)
 {
     divisor = divisor_;
@@ -81,7 +90,12 @@ void FilterPass::teardown(Kestrin::Orv::RenderCallbacks* callbacks)
 
 QSize FilterPass::targetSize(const QSize& frameSize) const
 {
-    return {std::max(1, frameSize.width() / divisor), std::max(1, frameSize.height() / divisor)};
+    QSize size = frameSize;
+    if (sizeInput >= 0) {
+        const auto texture = inputs.at(sizeInput).value.value<Texture>();
+        size = {texture.width, texture.height};
+    }
+    return {std::max(1, size.width() / divisor), std::max(1, size.height() / divisor)};
 }
 
 void FilterPass::draw(Kestrin::Orv::RenderCallbacks& callbacks)

@@ -23,7 +23,10 @@ public:
     FilterPass* texture(const char* inputName, const QColor& defaultColor);
     FilterPass* value(const char* inputName, const QVariant& defaultValue);
     FilterPass* target(const char* outputName, GLenum format);
-    /// Makes the targets smaller than the frame.
+    /// Makes the targets as large as the texture at this input; a texel if no pass feeds it. Without
+    /// this, they are as large as the frame.
+    FilterPass* sizedLike(const char* inputName);
+    /// Makes the targets smaller.
     FilterPass* scaledDown(int divisor);
     /// @}
 
@@ -43,6 +46,7 @@ private:
     };
 
     QVector<Sampler> samplers;
+    int sizeInput = -1; // -1 for the frame
     int divisor = 1;
 };
 

@@ -10,9 +10,9 @@
 
 namespace Gallery {
 
-GeometryPass* GeometryPass::makeShadowMap()
+GeometryPass* GeometryPass::makeShadowMap(const QString& name)
 {
-    auto* pass = new GeometryPass(QStringLiteral("ShadowMap"));
+    auto* pass = new GeometryPass(name);
     pass->fixedSize = QSize(1536, 1536);
     pass->setShaders(QStringLiteral("Geometry.vert"), QStringLiteral("ShadowMap.frag"));
     pass->addInput(QStringLiteral("LightMatrix"), QMatrix4x4());
@@ -20,9 +20,9 @@ GeometryPass* GeometryPass::makeShadowMap()
     return pass;
 }
 
-GeometryPass* GeometryPass::makeGBuffer()
+GeometryPass* GeometryPass::makeGBuffer(const QString& name)
 {
-    auto* pass = new GeometryPass(QStringLiteral("GBuffer"));
+    auto* pass = new GeometryPass(name);
     pass->setShaders(QStringLiteral("Geometry.vert"), QStringLiteral("GBuffer.frag"));
     pass->addInput(QStringLiteral("View"), QMatrix4x4());
     pass->addInput(QStringLiteral("Projection"), QMatrix4x4());

@@ -13,10 +13,10 @@ class GeometryPass : public GalleryPass
 {
 public:
     /// From the light, into a square of its own: "LightMatrix" to "ShadowDepth".
-    static GeometryPass* makeShadowMap();
+    static GeometryPass* makeShadowMap(const QString& name);
     /// From the camera: "View" and "Projection" to "Albedo" (and metalness), "Normal" (in view
     /// space, and roughness) and "Depth".
-    static GeometryPass* makeGBuffer();
+    static GeometryPass* makeGBuffer(const QString& name);
 
 protected:
     QSize targetSize(const QSize& frameSize) const override;

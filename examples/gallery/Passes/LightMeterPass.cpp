@@ -9,8 +9,8 @@
 
 namespace Gallery {
 
-LightMeterPass::LightMeterPass()
-    : FilterPass(QStringLiteral("LightMeter"), QStringLiteral("LightMeter.frag"))
+LightMeterPass::LightMeterPass(const QString& name)
+    : FilterPass(name, QStringLiteral("LightMeter.frag"))
 {
     texture("Color", Qt::black);
     target("LogLuminance", GL_RGBA16F);
@@ -27,8 +27,10 @@ void LightMeterPass::endFrame(Kestrin::Orv::RenderCallbacks* callbacks)
     const auto meter = outputs.at(0).value.value<Texture>();
     if (meter.name && error == 0) {
         float texel[4] = {0, 0, 0, 0};
-        readPixels(meter, GL_FLOAT, texel);
-        outputs[luminance].value = std::exp2(texel[0]);
+        if (readPixels(meter, GL_FLOAT, texel))
+            outputs[luminance].value = std::exp2(texel[0]);
+        else
+            fail(*callbacks, PassError::Driver, QStringLiteral("its target cannot be read"));
     }
     FilterPass::endFrame(callbacks);
 }

@@ -13,7 +13,7 @@ namespace Gallery {
 class LightMeterPass : public FilterPass
 {
 public:
-    LightMeterPass();
+    explicit LightMeterPass(const QString& name);
 
     void endFrame(Kestrin::Orv::RenderCallbacks* callbacks) override;
 

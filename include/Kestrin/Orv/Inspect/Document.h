@@ -19,8 +19,8 @@ namespace Inspect {
 /// A place in a document; line and column count from 1, columns in characters. 0 for no place.
 struct Place
 {
-    int line = 0;
-    int column = 0;
+    int line = 0;   ///< from 1
+    int column = 0; ///< from 1
 };
 
 /// Something wrong with a document.
@@ -28,7 +28,7 @@ struct Problem
 {
     QString code; ///< stable and documented, such as "unknown-port"
     QString text; ///< for people, one line
-    Place place;
+    Place place;  ///< where in the document; none if it is not about one place
 };
 
 /// Where the parts of a snapshot stand in the document that it was read from.
@@ -39,7 +39,7 @@ struct Places
     QVector<QVector<Place>>
         outputs;          ///< by node ref and index; the root's are the renderer's outputs
     QVector<Place> edges; ///< by edge ref
-    Place target;
+    Place target;         ///< of the target; none if there is no target
 };
 
 /// How values of types that JSON does not know are written and read.
@@ -52,6 +52,7 @@ struct Places
 class ORV_INSPECT_EXPORT ValueTypes
 {
 public:
+    /// Puts a value of a type into JSON.
     using ToJson = std::function<QJsonValue(const QVariant&)>;
     /// Answers an invalid value for JSON that it cannot read.
     using FromJson = std::function<QVariant(const QJsonValue&)>;
@@ -60,6 +61,7 @@ public:
     void add(const QString& type, const ToJson& toJson, const FromJson& fromJson);
     /// The converters of a type; null ones if it was not added.
     ToJson toJson(const QString& type) const;
+    /// As toJson(), the other way.
     FromJson fromJson(const QString& type) const;
 
 private:
@@ -69,8 +71,8 @@ private:
 /// A value of a type that this program does not know, as it stands in the document.
 struct ForeignValue
 {
-    QString type;
-    QJsonValue value;
+    QString type;     ///< the name of its type
+    QJsonValue value; ///< what stands for it
 };
 
 /// Writes a snapshot as a document: JSON, the same bytes for the same snapshot everywhere. Removed
@@ -86,8 +88,8 @@ ORV_INSPECT_EXPORT QByteArray writeDocument(const Snapshot& snapshot,
 /// What came of reading a document.
 struct ReadResult
 {
-    Snapshot snapshot; ///< only the root when there are problems
-    Places places;
+    Snapshot snapshot;         ///< only the root when there are problems
+    Places places;             ///< where the parts of the snapshot stand in the document
     QVector<Problem> problems; ///< in the order of their places; empty if all is well
 };
 

@@ -20,6 +20,7 @@ namespace Inspect {
 /// Why a node runs or does not.
 struct NodeExplanation
 {
+    /// What became of a node.
     enum State {
         Scheduled, ///< a pass that runs
         Disabled,  ///< a pass that an output or the target leads to, but that is disabled
@@ -29,10 +30,10 @@ struct NodeExplanation
         Missing    ///< no such node
     };
 
-    int node = -1;
-    State state = Missing;
-    bool enabled = false;
-    int position = -1; ///< in the order of execution, from 0
+    int node = -1;         ///< the node asked about
+    State state = Missing; ///< what became of it
+    bool enabled = false;  ///< whether it has a pass that is enabled
+    int position = -1;     ///< in the order of execution, from 0
     /// Whether an output or the target leads to the node; groups may be led to as well.
     bool needed = false;
     /// What needs it first: the index of an output of the renderer; -1 for the target.
@@ -51,6 +52,7 @@ struct NodeExplanation
 /// Default says that it carries nothing.
 struct InputExplanation
 {
+    /// What an input takes.
     enum Source { Parameter, Output, Default, NoSuchInput };
     /// Why it is the default.
     enum Cause {
@@ -61,10 +63,10 @@ struct InputExplanation
         NotAPass          ///< what feeds it is neither a pass nor a group
     };
 
-    PortRef input;
-    Source source = NoSuchInput;
-    Cause cause = NotDefault;
-    int parameter = -1; ///< the parameter's index
+    PortRef input;               ///< the input asked about
+    Source source = NoSuchInput; ///< what it takes
+    Cause cause = NotDefault;    ///< why it takes its default
+    int parameter = -1;          ///< the parameter's index
     PortRef end; ///< the port where the path ends: the producing output, or the last one found
     QVector<PortRef> path; ///< from the input to `end`, every group boundary on the way
     QVariant value;        ///< the parameter's value or the default
@@ -87,9 +89,9 @@ struct EdgeExplanation
         NotRelated
     };
 
-    PortRef from;
-    PortRef to;
-    Rule rule = NoSuchNode;
+    PortRef from;           ///< the port that the edge would leave
+    PortRef to;             ///< the port that it would enter
+    Rule rule = NoSuchNode; ///< the first rule that refuses it
     /// Whether the graph makes the edge when it is told to: always for Accepted, sometimes for
     /// NotRelated, never for the others.
     bool made = false;
@@ -121,14 +123,22 @@ public:
     /// Takes the time of Graph::precedes().
     EdgeExplanation edge(const PortRef& from, const PortRef& to) const;
 
+    /// Why a node runs or not, in words.
     QString toText(const NodeExplanation& explanation) const;
+    /// Where an input's value comes from, in words.
     QString toText(const InputExplanation& explanation) const;
+    /// What the graph says to an edge, in words.
     QString toText(const EdgeExplanation& explanation) const;
+    /// Why a node runs or not, as JSON.
     QJsonObject toJson(const NodeExplanation& explanation) const;
+    /// Where an input's value comes from, as JSON.
     QJsonObject toJson(const InputExplanation& explanation) const;
+    /// What the graph says to an edge, as JSON.
     QJsonObject toJson(const EdgeExplanation& explanation) const;
 
+    /// What runs, in which order, and with how many users.
     const Schedule& schedule() const;
+    /// The names of the snapshot's nodes and ports.
     const Paths& paths() const;
 
 private:

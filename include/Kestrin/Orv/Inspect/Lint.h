@@ -25,7 +25,7 @@ struct Finding
 /// What a code means, in short.
 struct LintCode
 {
-    QString code;
+    QString code;    ///< as Finding::code
     QString meaning; ///< one line
 };
 

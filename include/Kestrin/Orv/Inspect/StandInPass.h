@@ -19,6 +19,7 @@ namespace Inspect {
 class ORV_INSPECT_EXPORT StandInPass : public RenderPassHelper
 {
 public:
+    /// Stands in for the pass of a node.
     explicit StandInPass(const NodeRecord& node);
     ~StandInPass() override;
 

@@ -56,7 +56,7 @@ struct TraceEvent
         SetErrorCode
     };
 
-    Kind kind;
+    Kind kind;              ///< what was called
     int pass;               ///< index of the pass in the trace; -1 for a frame
     int frame;              ///< number of the frame, from 0; -1 outside frames
     unsigned int errorCode; ///< of an EndFrame: what errorCode() answered after it; 0 for success
@@ -68,14 +68,14 @@ struct TraceEvent
 /// smallest one that so many percent of all do not exceed.
 struct TraceSummary
 {
-    QString name;  ///< what the trace calls the pass; empty for frames
-    int count = 0; ///< in how many frames it was called; all times are 0 if in none
-    qint64 total = 0;
-    qint64 minimum = 0;
-    qint64 median = 0;
-    qint64 percentile90 = 0;
-    qint64 percentile99 = 0;
-    qint64 maximum = 0;
+    QString name;            ///< what the trace calls the pass; empty for frames
+    int count = 0;           ///< in how many frames it was called; all times are 0 if in none
+    qint64 total = 0;        ///< of all these frames
+    qint64 minimum = 0;      ///< of one frame
+    qint64 median = 0;       ///< half of the frames took no longer
+    qint64 percentile90 = 0; ///< nine tenths of the frames took no longer
+    qint64 percentile99 = 0; ///< 99 of 100 frames took no longer
+    qint64 maximum = 0;      ///< of one frame
 };
 
 /// Records when the passes are called that stand behind a TracedPass.
