@@ -44,7 +44,6 @@ Snapshot hostileSnapshot()
         "'><style>@import 'http://example.org/3';</style>",
         "</title></svg></style></table><h1>",
         "&lt;b&gt; \xE2\x80\xAE ]]> --> \x01",
-        "averyverylongnamewithoutanyplacetobreakit_averyverylongnamewithoutanyplacetobreakit_"
         "averyverylongnamewithoutanyplacetobreakit_averyverylongnamewithoutanyplacetobreakit"};
     for (const char* name : names) {
         const int output = builder.output(name);
