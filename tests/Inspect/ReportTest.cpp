@@ -290,6 +290,7 @@ TEST(Report, TellsTheTimesOfPasses)
               "1|Pass||runs Needed by the renderer's output o.|" + shown(times.at(0).median)
                   + shown(times.at(0).percentile90) + shown(times.at(0).percentile99)
                   + shown(times.at(0).maximum));
+    EXPECT_FALSE(page.contains("Not in this graph."));
     EXPECT_EQ(row(page, "Idle"),
               "|Idle||not needed No output of the renderer and no target leads to it.|||||");
 }
