@@ -14,6 +14,7 @@
 
 #include <QtCore/QSet>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -64,8 +65,8 @@ QString mismatch(const RenderPass& pass, const NodeRecord& node)
         }
         return QString();
     };
-    const QString inputs = compare(" input", pass.numInputs(), node.inputs,
-                                   [&pass](int i) { return pass.inputName(i); });
+    QString inputs = compare(" input", pass.numInputs(), node.inputs,
+                             [&pass](int i) { return pass.inputName(i); });
     if (!inputs.isEmpty())
         return inputs;
     return compare(" output", pass.numOutputs(), node.outputs,
@@ -173,11 +174,8 @@ void Building::makePasses()
 
 bool Building::hasGroups(const QVector<PortRecord>& ports)
 {
-    for (const PortRecord& port : ports) {
-        if (port.group != -1)
-            return true;
-    }
-    return false;
+    return std::any_of(ports.cbegin(), ports.cend(),
+                       [](const PortRecord& port) { return port.group != -1; });
 }
 
 void Building::addPorts(Graph& graph, int node, const NodeRecord& record)

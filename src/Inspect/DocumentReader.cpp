@@ -482,7 +482,7 @@ void DocumentReader::readRoot(const Members& members)
         readString(memberOf(members, "name"), "\"name\"", root.name);
     const int value = memberOf(members, "value");
     if (value >= 0 && readInt(value, "\"value\"", root.value))
-        values.push_back({0, value});
+        values.emplace_back(0, value);
     bool groupsRead = true;
     root.groups = readGroups(memberOf(members, "groups"), groupsRead);
     beginPorts(root.groups, groupsRead);
@@ -601,7 +601,7 @@ void DocumentReader::readKind(const Members& members, NodeRecord& node)
         report(value, "misplaced-key",
                QStringLiteral("the value of a pass is its number and not written"));
     else if (value >= 0 && readInt(value, "\"value\"", node.value))
-        values.push_back(qMakePair(result.snapshot.nodes.size(), value));
+        values.emplace_back(result.snapshot.nodes.size(), value);
 }
 
 void DocumentReader::readNode(int item)

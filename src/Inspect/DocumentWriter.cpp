@@ -46,7 +46,7 @@ private:
     }
     void insertValue(QJsonObject& object, const QVariant& value, const QString& path);
     QJsonArray parameters();
-    QJsonArray inputs(int node);
+    QJsonArray inputs(int ref);
     QJsonArray outputs(const NodeRecord& node) const;
     QJsonObject node(int ref);
     QJsonArray edges() const;

@@ -7,6 +7,7 @@
 #include <QtCore/QJsonDocument>
 
 #include <algorithm>
+#include <utility>
 
 namespace Kestrin {
 namespace Orv {
@@ -26,7 +27,7 @@ bool isContinuation(char c)
 int sequenceLength(const QByteArray& text, int offset)
 {
     const auto byte = [&text](int i) -> uint {
-        return i < text.size() ? static_cast<uchar>(text.at(i)) : 0u;
+        return i < text.size() ? static_cast<uchar>(text.at(i)) : 0U;
     };
     const uint first = byte(offset);
     if (first < 0x80)
@@ -58,8 +59,8 @@ QString decoded(const char* begin, const char* end)
 
 } // namespace
 
-JsonText::JsonText(const QByteArray& bytes)
-    : text(bytes)
+JsonText::JsonText(QByteArray json)
+    : text(std::move(json))
 {
     pos = text.startsWith(kByteOrderMark) ? 3 : 0;
     if (checkUtf8())

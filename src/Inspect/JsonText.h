@@ -36,7 +36,7 @@ public:
     /// Nothing is nested deeper.
     static constexpr int kMaxDepth = 500;
 
-    explicit JsonText(const QByteArray& text);
+    explicit JsonText(QByteArray json);
 
     /// What is wrong with the text as JSON; an empty code if nothing is.
     const Problem& problem() const { return failure; }

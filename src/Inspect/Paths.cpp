@@ -107,8 +107,8 @@ struct Paths::Impl
 {
     explicit Impl(const Snapshot& shown);
 
-    QString segment(int node) const;
-    QVector<int> portsOfName(int node, bool isOutput, const QString& name) const;
+    QString segment(int ref) const;
+    QVector<int> portsOfName(int ref, bool isOutput, const QString& name) const;
     QString port(int node, int index, bool isOutput) const;
 
     const Snapshot& snapshot;
@@ -242,7 +242,7 @@ QString Paths::port(const PortRef& ref) const
         name = ports.at(ref.index).name;
         const QVector<int> same = impl->portsOfName(ref.node, ref.isOutput, name);
         // Ascending, and perhaps all ports of a node that has very many.
-        const auto position = std::lower_bound(same.cbegin(), same.cend(), ref.index);
+        const auto* const position = std::lower_bound(same.cbegin(), same.cend(), ref.index);
         name = numbered(name, same.size() == 1 ? kUnique : int(position - same.cbegin()));
     } else {
         name = (ref.isOutput ? QLatin1String("[no output ") : QLatin1String("[no input "))

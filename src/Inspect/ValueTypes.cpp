@@ -206,7 +206,6 @@ bool writeMap(const QVariantMap& map, const ValueTypes& types, int depth, QJsonO
 /// The value alone; undefined if it has no written form.
 QJsonValue written(const QVariant& value, const ValueTypes& types, int depth)
 {
-    const QJsonValue none(QJsonValue::Undefined);
     switch (value.userType()) {
     case QMetaType::Bool:
         return value.toBool();
@@ -243,11 +242,13 @@ QJsonValue written(const QVariant& value, const ValueTypes& types, int depth)
         return QString::fromLatin1(value.toByteArray().toBase64());
     case QMetaType::QVariantList: {
         QJsonArray list;
-        return writeList(value.toList(), types, depth, list) ? QJsonValue(list) : none;
+        return writeList(value.toList(), types, depth, list) ? QJsonValue(list)
+                                                             : QJsonValue(QJsonValue::Undefined);
     }
     case QMetaType::QVariantMap: {
         QJsonObject map;
-        return writeMap(value.toMap(), types, depth, map) ? QJsonValue(map) : none;
+        return writeMap(value.toMap(), types, depth, map) ? QJsonValue(map)
+                                                          : QJsonValue(QJsonValue::Undefined);
     }
     default:
         break;
@@ -257,7 +258,7 @@ QJsonValue written(const QVariant& value, const ValueTypes& types, int depth)
         return convert(value);
     QByteArray bytes;
     if (!toBytes(value, bytes))
-        return none;
+        return QJsonValue(QJsonValue::Undefined);
     return QJsonObject{{streamKey(), QString::fromLatin1(bytes.toBase64())}};
 }
 

@@ -6,12 +6,12 @@
 #include "Trouble.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Kestrin::Orv::Program {
 
 using Inspect::NodeRecord;
 using Inspect::Paths;
-using Inspect::PortRecord;
 using Inspect::PortRef;
 
 namespace {
@@ -117,8 +117,8 @@ QString listed(const QStringList& candidates)
 
 } // namespace
 
-Names::Names(const QString& name, const Inspect::Snapshot& named, const Paths& pathsOfNamed)
-    : file(name)
+Names::Names(QString name, const Inspect::Snapshot& named, const Paths& pathsOfNamed)
+    : file(std::move(name))
     , snapshot(named)
     , paths(pathsOfNamed)
 {

@@ -16,7 +16,8 @@ class Names
 {
 public:
     /// Keeps references to the snapshot and its paths.
-    Names(const QString& file, const Inspect::Snapshot& snapshot, const Inspect::Paths& paths);
+    /// \param name of the file, for messages.
+    Names(QString name, const Inspect::Snapshot& named, const Inspect::Paths& pathsOfNamed);
 
     /// What one path may mean at the same time.
     struct Meaning

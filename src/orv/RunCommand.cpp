@@ -60,6 +60,7 @@ public:
             output.write(QLatin1String("frame ") + QString::number(frame)
                          + QLatin1String(player.succeeded() ? "\n" : " failed\n") + calls
                          + outputsText());
+            output.flush(); // somebody may be looking, or gone
         }
         output.write(QLatin1String("teardown\n") + toText(player.teardown(), paths));
         return succeeded;

@@ -17,7 +17,8 @@ namespace {
 void writeError(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+    static_cast<void>(
+        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr));
 }
 
 } // namespace

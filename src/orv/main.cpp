@@ -87,7 +87,7 @@ int main(int argc, char** argv)
 {
     keepStandardStreams();
     // A reader that has gone is an error of write(), not the end.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     // Names of files and in graphs are UTF-8 whatever the locale says.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QStringList words;

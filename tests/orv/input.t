@@ -140,6 +140,10 @@ Names that are not known, with those that may have been meant:
   }
   ? 2
 
+Those of the same group come first:
+
+  $ orv explain groups.json B/Blurr
+
 Names that may mean several things:
 
   $ orv explain scene.json Bloom/Blur

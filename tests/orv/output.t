@@ -3,7 +3,7 @@ A reader that has gone is told in one line:
   $ ./make-chain 5000 >large.json; orv order large.json | true; echo ${PIPESTATUS[0]}
   2
   ! orv: cannot write standard output: Broken pipe
-  $ orv run --frames 1000000 clean.json | head -1; echo ${PIPESTATUS[0]}
+  $ timeout 60 orv run --frames 1000000 --slow Tone=1 clean.json | head -1; echo ${PIPESTATUS[0]}
   setup
   2
   ! orv: cannot write standard output: Broken pipe
