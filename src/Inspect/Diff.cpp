@@ -127,7 +127,8 @@ bool isSame(const QVariant& a, const QVariant& b)
     return a.userType() == QMetaType::QVariantHash && a == b; // in an order of its own
 }
 
-/// The shortest text that is read as the same number again.
+/// The shortest text that is read as the same number again; six digits at least, less trailing zeros,
+/// for fewer would make 3e+01 of 30.
 template<typename Number>
 QString shortest(Number number, int maxDigits)
 {
@@ -135,7 +136,7 @@ QString shortest(Number number, int maxDigits)
         return QStringLiteral("nan");
     if (number == 0)
         return std::signbit(number) ? QStringLiteral("-0") : QStringLiteral("0");
-    for (int digits = 1; digits < maxDigits; ++digits) {
+    for (int digits = 6; digits < maxDigits; ++digits) {
         QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (static_cast<Number>(text.toDouble()) == number)
             return text;

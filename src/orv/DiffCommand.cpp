@@ -43,7 +43,7 @@ const Command& diffCommand()
         2,
         QStringLiteral("0 for no changes, 1 for some"),
         QStringLiteral("$ orv diff scene.json new.json\n"
-                       "parameter-changed Angle: double 3e+01 -> double 45\n"
+                       "parameter-changed Angle: double 30 -> double 45\n"
                        "enabled-changed Grain: disabled -> enabled\n"
                        "node-removed Overlay: pass of type OverlayPass -> nothing\n"),
         run};

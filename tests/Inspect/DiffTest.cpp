@@ -380,6 +380,7 @@ TEST(DiffValues, DefaultsAreComparedByTheLastBit)
         return compared(withDefault(was), withDefault(is));
     };
     EXPECT_EQ(change(0.1F, 0.25F), "default-changed A.angle: float 0.1 -> float 0.25\n");
+    EXPECT_EQ(change(30.0, 1500.0), "default-changed A.angle: double 30 -> double 1500\n");
     EXPECT_EQ(change(0.1, 0.1 + 1e-18), "");
     EXPECT_EQ(change(0.3, 0.1 + 0.2),
               "default-changed A.angle: double 0.3 -> double 0.30000000000000004\n");

@@ -1,7 +1,7 @@
 What has changed:
 
   $ orv diff scene.json new.json
-  parameter-changed Angle: double 3e+01 -> double 45
+  parameter-changed Angle: double 30 -> double 45
   enabled-changed Grain: disabled -> enabled
   node-removed Overlay: pass of type OverlayPass -> nothing
   ? 1
@@ -10,7 +10,7 @@ What has changed:
       "changes": [
           {
               "after": "double 45",
-              "before": "double 3e+01",
+              "before": "double 30",
               "code": "parameter-changed",
               "path": "Angle"
           },

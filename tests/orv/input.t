@@ -143,6 +143,8 @@ Names that are not known, with those that may have been meant:
 Those of the same group come first:
 
   $ orv explain groups.json B/Blurr
+  ! groups.json: unknown-name: there is no node or port "B/Blurr"; there is B/Blur, A/Blur
+  ? 2
 
 Names that may mean several things:
 

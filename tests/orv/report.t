@@ -18,8 +18,11 @@ The same without frames are the same bytes:
 
 Passes that have failed are shown:
 
-  $ PATH=$BIN orv report --frames 1 scene.json >well.html; grep -c 'class=&quot;pass failed' well.html
-  $ PATH=$BIN orv report --frames 1 --fail Tone=7 scene.json >failed.html; grep -c 'class=&quot;pass failed' failed.html
+  $ PATH=$BIN orv report --frames 1 scene.json >well.html; grep -c 'state failed' well.html
+  0
+  ? 1
+  $ PATH=$BIN orv report --frames 1 --fail Tone=7 scene.json >failed.html; grep -c 'state failed' failed.html
+  1
 
 Without Graphviz, there is a report all the same:
 
