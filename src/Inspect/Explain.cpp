@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Inspect/Explain.h>
 
 #include "LookUp.h"
+#include "Values.h"
 
 #include <Kestrin/Orv/Inspect/Document.h>
 
@@ -444,7 +445,14 @@ QString latin1(const char* text)
     return QString(QLatin1String(text));
 }
 
-/// A value in a line of text.
+QString compactJson(const QJsonValue& value)
+{
+    const QString array =
+        QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
+    return array.mid(1, array.size() - 2);
+}
+
+/// A value on one line, with its type if that is not plain to see.
 QString shown(const QVariant& value)
 {
     switch (static_cast<QMetaType::Type>(value.userType())) {
@@ -455,20 +463,23 @@ QString shown(const QVariant& value)
     case QMetaType::UInt:
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
+        return value.toString();
     case QMetaType::Float:
     case QMetaType::Double:
-        return value.toString();
+        return numberText(value);
     case QMetaType::QString: {
-        // Quoted as JSON does, so that it stays one line.
-        const QString array = QString::fromUtf8(
-            QJsonDocument(QJsonArray{value.toString()}).toJson(QJsonDocument::Compact));
-        return array.mid(1, array.size() - 2);
+        return compactJson(value.toString()); // quoted, so that it stays one line
     }
     default:
         break;
     }
-    if (value.canConvert<ForeignValue>())
-        return latin1("a value of the type ") + value.value<ForeignValue>().type;
+    if (value.canConvert<ForeignValue>()) {
+        const int longest = 60;
+        const auto foreign = value.value<ForeignValue>();
+        const QString json = compactJson(foreign.value);
+        return (json.size() > longest ? latin1("a value") : json) + latin1(" of the type ")
+            + foreign.type;
+    }
     return latin1("a value of the type ") + latin1(value.typeName());
 }
 
@@ -505,8 +516,8 @@ QString Explainer::Impl::hint(const NodeExplanation& explanation) const
     const bool itself = explanation.nearest == explanation.node;
     const QString end = nameOf(explanation.nearest);
     QString text = itself ? latin1("Make it the target")
-                          : latin1("The nearest end of its ways is ") + end + latin1(": make ")
-            + end + latin1(" the target");
+                          : latin1("The nearest one downstream that nothing reads is ") + end
+            + latin1(": make ") + end + latin1(" the target");
     if (!snapshot.node(explanation.nearest).outputs.isEmpty())
         text += latin1(" or feed an output of the renderer from it");
     return text + latin1(", and ") + (itself ? latin1("it") : nameOf(explanation.node))

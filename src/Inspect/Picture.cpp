@@ -5,6 +5,7 @@
 
 #include "LookUp.h"
 #include "Markup.h"
+#include "Values.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Schedule.h>
@@ -84,9 +85,10 @@ QByteArray shortValue(const QVariant& value)
     case QMetaType::UInt:
     case QMetaType::LongLong:
     case QMetaType::ULongLong:
+        return " = " + value.toString().toUtf8();
     case QMetaType::Float:
     case QMetaType::Double:
-        return " = " + value.toString().toUtf8();
+        return " = " + numberText(value).toUtf8();
     case QMetaType::QString:
         return " = &quot;" + escapedLabel(value.toString(), kLongestValue) + "&quot;";
     default:

@@ -457,6 +457,12 @@ void Page::writeTimes(const TraceSummary* times)
     cell("longest", times->maximum, "'");
 }
 
+/// A path that is broken between nodes rather than within their names.
+QByteArray breakable(const QString& path)
+{
+    return escapedMarkup(path).replace("/", "/<wbr>");
+}
+
 void Page::writePass(int ref)
 {
     const NodeRecord& node = snapshot.node(ref);
@@ -469,7 +475,7 @@ void Page::writePass(int ref)
                                               : "disabled";
     out += "<tr role='row'><td role='cell' class='n place'"
         + (position < 0 ? QByteArray(">") : " data-label='position'>" + count(position + 1))
-        + "</td><th role='rowheader' scope='row'>" + escapedMarkup(path)
+        + "</td><th role='rowheader' scope='row'>" + breakable(path)
         + "</th><td role='cell' class='type'>" + escapedMarkup(node.type)
         + "</td><td role='cell' class='why'><span class='state " + drawn + "'>" + word
         + "</span> <span class='reason'>" + reason(ref) + "</span></td>";
@@ -482,7 +488,7 @@ void Page::writePass(int ref)
 void Page::writeUnknownPass(const TraceSummary& times)
 {
     out += "<tr role='row'><td role='cell'></td><th role='rowheader' scope='row'>"
-        + escapedMarkup(times.name)
+        + breakable(times.name)
         + "</th><td role='cell'></td><td role='cell' class='why'><span class='reason'>Not "
           "in this graph."
           "</span></td>";

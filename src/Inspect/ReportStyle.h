@@ -70,7 +70,7 @@ th, td { text-align: left; vertical-align: top; padding: .45rem .75rem;
   border-top: 1px solid var(--line); }
 thead th { border-top: 0; background: var(--card); font-size: .82rem; color: var(--soft);
   white-space: nowrap; }
-th[scope=row] { font-weight: 600; overflow-wrap: anywhere; min-width: 9rem; }
+th[scope=row] { font-weight: 600; overflow-wrap: anywhere; min-width: 11rem; }
 .n { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums; }
 td.share { background: linear-gradient(to right, var(--share) var(--part), transparent var(--part)); }
 .state { display: inline-block; padding: 0 .5rem; border-radius: .5rem; border: 2px solid;
@@ -80,7 +80,7 @@ td.share { background: linear-gradient(to right, var(--share) var(--part), trans
 .disabled { color: var(--off); background: var(--offfill); border-style: dotted; }
 .failed { color: var(--bad); background: var(--badfill); border-style: double; border-width: 4px; }
 .reason { color: var(--soft); overflow-wrap: anywhere; }
-.type { overflow-wrap: anywhere; min-width: 6.5rem; }
+.type { overflow-wrap: anywhere; min-width: 8.5rem; }
 .chart { display: block; width: 100%; overflow: visible; font-size: 12px; }
 .chart text { fill: var(--text); font-variant-numeric: tabular-nums; }
 .chart .quiet { fill: var(--soft); }

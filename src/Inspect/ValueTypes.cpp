@@ -320,6 +320,13 @@ bool readFloating(const QJsonValue& json, double& number)
 
 } // namespace
 
+QString numberText(const QVariant& value)
+{
+    QJsonObject object;
+    writeValue(value, ValueTypes(), object);
+    return object.value(QStringLiteral("value")).toVariant().toString();
+}
+
 bool isValueList(const QString& type)
 {
     return type == QLatin1String("QVariantList");

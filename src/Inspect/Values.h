@@ -19,6 +19,9 @@ const int kMaxValueDepth = 64;
 /// \return false, and leaves the object as it was, if the value has no written form.
 bool writeValue(const QVariant& value, const ValueTypes& types, QJsonObject& object);
 
+/// A number as a document has it: 0.9F is "0.9".
+QString numberText(const QVariant& value);
+
 /// Whether values of this type are lists or maps of values.
 bool isValueList(const QString& type);
 bool isValueMap(const QString& type);

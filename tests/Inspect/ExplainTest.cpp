@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
+#include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Explain.h>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include "RandomRenderer.h"
 #include "support/LightPass.h"
 
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 
 #include <initializer_list>
@@ -229,7 +231,7 @@ TEST(ExplainNode, WhatNothingNeedsIsToldTheNearestEndOfItsWays)
     Frame f;
     EXPECT_EQ(f.node(f.meter), quoted(R"(
 //! [not-needed]
-LightMeter does not run: no output of the renderer and no target leads to it. The nearest end of its ways is Debug: make Debug the target, and LightMeter runs:
+LightMeter does not run: no output of the renderer and no target leads to it. The nearest one downstream that nothing reads is Debug: make Debug the target, and LightMeter runs:
   input Debug.Exposure
   output LightMeter.Exposure
 //! [not-needed]
@@ -271,17 +273,18 @@ TEST(ExplainNode, TheNearestEndIsFoundInsideAndOutOfGroups)
     s.graph.addUpEdge(0, worker, 0);
     s.graph.addUpEdge(0, inner, 0);
     s.graph.addEdge(outer, 0, sink, 0);
-    EXPECT_EQ(s.node(source),
-              "Source does not run: no output of the renderer and no target leads to it. The "
-              "nearest end of its ways is Sink: make Sink the target, and Source runs:\n"
-              "  input Sink.In\n"
-              "  output Outer.Out\n"
-              "  output Outer/Inner.Out\n"
-              "  output Outer/Inner/Worker.Out\n"
-              "  input Outer/Inner/Worker.In\n"
-              "  input Outer/Inner.In\n"
-              "  input Outer.In\n"
-              "  output Source.Color\n");
+    EXPECT_EQ(
+        s.node(source),
+        "Source does not run: no output of the renderer and no target leads to it. The nearest one "
+        "downstream that nothing reads is Sink: make Sink the target, and Source runs:\n"
+        "  input Sink.In\n"
+        "  output Outer.Out\n"
+        "  output Outer/Inner.Out\n"
+        "  output Outer/Inner/Worker.Out\n"
+        "  input Outer/Inner/Worker.In\n"
+        "  input Outer/Inner.In\n"
+        "  input Outer.In\n"
+        "  output Source.Color\n");
 }
 
 TEST(ExplainNode, AWayMayEndAtAGroupThatLeadsNowhere)
@@ -292,13 +295,14 @@ TEST(ExplainNode, AWayMayEndAtAGroupThatLeadsNowhere)
     const int inner = s.group("Inner", "In", "Out", outer);
     s.graph.addEdge(source, 0, outer, 0);
     s.graph.addDownEdge(0, inner, 0);
-    EXPECT_EQ(s.node(source),
-              "Source does not run: no output of the renderer and no target leads to it. The "
-              "nearest end of its ways is Outer/Inner: make Outer/Inner the target or feed an "
-              "output of the renderer from it, and Source runs:\n"
-              "  input Outer/Inner.In\n"
-              "  input Outer.In\n"
-              "  output Source.Color\n");
+    EXPECT_EQ(
+        s.node(source),
+        "Source does not run: no output of the renderer and no target leads to it. The nearest one "
+        "downstream that nothing reads is Outer/Inner: make Outer/Inner the target or feed an "
+        "output of the renderer from it, and Source runs:\n"
+        "  input Outer/Inner.In\n"
+        "  input Outer.In\n"
+        "  output Source.Color\n");
     s.renderer.setTarget(inner);
     EXPECT_EQ(s.node(source),
               "Source runs as 1 of 1, needed by the target Outer/Inner:\n"
@@ -386,9 +390,25 @@ Shadow.Angle takes the parameter Angle (42 now):
               "Angle is a parameter of the renderer (\"two\\n\\\"lines\\\"\" now).\n");
     f.renderer.setParameter(f.angle, QVariant());
     EXPECT_EQ(f.input(0, f.angle), "Angle is a parameter of the renderer (no value now).\n");
+    f.renderer.setParameter(f.angle, 0.9F);
+    EXPECT_EQ(f.input(0, f.angle), "Angle is a parameter of the renderer (0.9 now).\n");
     f.renderer.setParameter(f.angle, QByteArray("x"));
     EXPECT_EQ(f.input(0, f.angle),
               "Angle is a parameter of the renderer (a value of the type QByteArray now).\n");
+}
+
+TEST(ExplainInput, AValueOfATypeOfTheHostIsToldAsTheDocumentHasIt)
+{
+    Frame f;
+    const auto foreign = [](const QJsonValue& value) {
+        return QVariant::fromValue(ForeignValue{QStringLiteral("Color"), value});
+    };
+    f.renderer.setParameter(f.angle, foreign(QJsonArray{0.5, QStringLiteral("a\nb")}));
+    EXPECT_EQ(f.input(0, f.angle),
+              "Angle is a parameter of the renderer ([0.5,\"a\\nb\"] of the type Color now).\n");
+    f.renderer.setParameter(f.angle, foreign(QString(100, QLatin1Char('x'))));
+    EXPECT_EQ(f.input(0, f.angle),
+              "Angle is a parameter of the renderer (a value of the type Color now).\n");
 }
 
 TEST(ExplainInput, AnUpstreamOutputIsToldWithEveryGroupBoundary)

@@ -109,6 +109,13 @@ bool contains(const std::string& text, const char* part)
 
 } // namespace
 
+TEST(Picture, OfAFloatIsAsADocumentHasIt)
+{
+    SnapshotBuilder builder;
+    builder.parameter("strength", 0.9F);
+    EXPECT_TRUE(contains(text(toGraphviz(builder.snapshot)), " = 0.9<"));
+}
+
 TEST(Picture, OfOnePassIsThisText)
 {
     SnapshotBuilder builder;
