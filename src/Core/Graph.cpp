@@ -9,11 +9,11 @@
 #include "GraphImpl.h"
 
 #include <QtCore/QSet>
-#include <QtCore/QVarLengthArray>
 
 #include <algorithm>
+#include <cstring>
+#include <memory>
 #include <utility>
-#include <vector>
 
 namespace Kestrin {
 namespace Orv {
@@ -793,43 +793,101 @@ bool Graph::walkToSourceNode(int& node, int& port) const
 
 namespace {
 
-/// A set of nodes in the order of their insertion. Most searches reach a handful of nodes, for
-/// which no memory is taken; a flag per node of the graph is made when there are more.
-class ReachedNodes
+/// The search of precedes(): breadth first, from one node to all that feed it.
+template<bool followHierarchy>
+class UpstreamSearch
 {
 public:
-    explicit ReachedNodes(int numNodesInGraph)
-        : numNodes(numNodesInGraph)
+    UpstreamSearch(const GraphView& graph, int nodeToFind)
+        : view(graph)
+        , wanted(nodeToFind)
     {
     }
 
-    int size() const { return order.size(); }
-    int at(int position) const { return order.at(position); }
-
-    void insert(int node)
+    bool run(int start)
     {
-        if (flags.empty()) {
-            if (std::find(order.cbegin(), order.cend(), node) != order.cend())
-                return;
-            if (order.size() == handful) {
-                flags.resize(static_cast<std::size_t>(numNodes));
-                for (const int present : order)
-                    flags[static_cast<std::size_t>(present)] = true;
-            }
-        } else if (flags[static_cast<std::size_t>(node)]) {
-            return;
+        int first[handful] = {start};
+        const auto numNodes = static_cast<std::size_t>(view.numNodes);
+        if (numNodes <= smallGraph) {
+            int nodes[smallGraph + 1];
+            unsigned char marks[smallGraph];
+            return searchAll(first, nodes, marks);
         }
-        order.append(node);
-        if (!flags.empty())
-            flags[static_cast<std::size_t>(node)] = true;
+        // Most searches reach a handful of nodes, for which no memory is taken.
+        if (searchHandful(first))
+            return true;
+        if (head == tail)
+            return false;
+        const std::unique_ptr<int[]> nodes(new int[numNodes + 1]);
+        const std::unique_ptr<unsigned char[]> marks(new unsigned char[numNodes]);
+        return searchAll(first, nodes.get(), marks.get());
     }
 
 private:
+    static constexpr int smallGraph = 512;
     static constexpr int handful = 16;
 
-    QVarLengthArray<int, 64> order;
-    std::vector<bool> flags; // by node, once there are more than a handful
-    int numNodes;
+    /// Goes on until there are more than a handful; then `head` stays where they come from.
+    bool searchHandful(int* nodes)
+    {
+        for (; head < tail; ++head) {
+            const Node& node = view.nodes[nodes[head]];
+            for (const Port& input : node.inputs) {
+                const int source = view.feedingNode(node, input, followHierarchy);
+                if (source == wanted)
+                    return true;
+                int* const end = nodes + tail;
+                if (source == Graph::kInvalidNodeRef || std::find(nodes, end, source) != end)
+                    continue;
+                if (tail == handful)
+                    return false;
+                nodes[tail++] = source;
+            }
+        }
+        return false;
+    }
+
+    /// Goes on to the end, in a list with room for all nodes and one more, and with a mark for each.
+    /// The loop works with locals alone, which stay in registers.
+    bool searchAll(const int* first, int* nodes, unsigned char* marks)
+    {
+        const GraphView graph = view;
+        int end = tail;
+        std::memset(marks, 0, static_cast<std::size_t>(graph.numNodes));
+        for (int i = 0; i < end; ++i) {
+            nodes[i] = first[i];
+            SearchMark(marks[first[i]]).reach();
+        }
+
+        for (int next = head; next < end; ++next) {
+            graph.fetchAhead(nodes + next, end - next);
+            const Node& node = graph.nodes[nodes[next]];
+            const Port* input = firstOf(node.inputs);
+            const Port* const inputsEnd = input + node.inputs.size();
+            for (; input != inputsEnd; ++input) {
+                const Edge* feed = graph.feedOf(node, *input, followHierarchy);
+                if (!feed)
+                    continue;
+                int source = feed->srcNode;
+                if (followHierarchy) {
+                    if (!SearchMark(marks[source]).trace(feed->srcIndex))
+                        continue;
+                    source = graph.producerOf(source, feed->srcIndex);
+                }
+                if (source == wanted)
+                    return true;
+                // Whether a node is new cannot be foretold, so this does not branch on it.
+                nodes[end] = source;
+                end += SearchMark(marks[source]).reach();
+            }
+        }
+        return false;
+    }
+
+    const GraphView view;
+    const int wanted;
+    int head = 0; // of the nodes found, the next one to be searched
+    int tail = 1; // how many have been found
 };
 
 } // namespace
@@ -837,24 +895,12 @@ private:
 bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const
 {
     const GraphView view = impl->view();
-    if (!view.node(upstreamNode) || !view.node(downstreamNode))
+    if (!view.hasNode(upstreamNode) || !view.hasNode(downstreamNode))
         return false;
     if (upstreamNode == downstreamNode)
         return true;
-
-    ReachedNodes reached(view.numNodes);
-    reached.insert(downstreamNode);
-    for (int next = 0; next < reached.size(); ++next) {
-        const Node& node = view.nodes[reached.at(next)];
-        for (const Port& input : node.inputs) {
-            const int source = view.feedingNode(node, input, followHierarchy);
-            if (source == upstreamNode)
-                return true;
-            if (source != kInvalidNodeRef)
-                reached.insert(source);
-        }
-    }
-    return false;
+    return followHierarchy ? UpstreamSearch<true>(view, upstreamNode).run(downstreamNode)
+                           : UpstreamSearch<false>(view, upstreamNode).run(downstreamNode);
 }
 
 namespace {

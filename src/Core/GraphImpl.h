@@ -8,6 +8,8 @@
 
 #include <QtCore/QVector>
 
+#include <cstring>
+
 namespace Kestrin {
 namespace Orv {
 
@@ -110,6 +112,28 @@ T* find(QVector<T>& list, int index)
     return hasIndex(list, index) ? &list[index] : nullptr;
 }
 
+/// Has memory fetched that will be read soon. The compiler takes a function that does nothing else for
+/// one without effect and leaves its calls out; the empty statement keeps it from that.
+inline void fetch(const void* memory)
+{
+    __builtin_prefetch(memory);
+    __asm__ volatile("");
+}
+
+/// The start of a list of ports, told without reading the list: what it would answer itself, but
+/// soon enough to fetch the memory ahead, and a step less for a walk to wait for.
+inline const Port* firstOf(const QVector<Port>& ports)
+{
+    const void* const pointer = &ports;
+    const char* list;
+    static_assert(sizeof ports == sizeof list && alignof(Port) <= alignof(QArrayData),
+                  "a QVector is a pointer to a header, which the entries follow");
+    std::memcpy(&list, pointer, sizeof list);
+    const auto* first = reinterpret_cast<const Port*>(list + sizeof(QArrayData));
+    Q_ASSERT(first == ports.constData());
+    return first;
+}
+
 /// The addresses of both tables, for the walks against the flow of data: the ordering query, the
 /// walkers and the renderer's frames consist of little else, so the walks are here to be inlined and
 /// what they read is to stay in registers. Lasts until the graph changes.
@@ -124,10 +148,8 @@ struct GraphView
     const Edge* edges;
     int numEdges;
 
-    const Node* node(int ref) const
-    {
-        return static_cast<uint>(ref) < static_cast<uint>(numNodes) ? nodes + ref : nullptr;
-    }
+    bool hasNode(int ref) const { return static_cast<uint>(ref) < static_cast<uint>(numNodes); }
+    const Node* node(int ref) const { return hasNode(ref) ? nodes + ref : nullptr; }
     int parentOf(int ref) const
     {
         const Node* record = node(ref);
@@ -143,88 +165,183 @@ struct GraphView
     }
     const Edge* sourceOf(const QVector<Port>& ports, int port) const
     {
-        const Port* record = entry(ports, port);
-        return record ? sourceOf(*record) : nullptr;
+        return hasIndex(ports, port) ? sourceOf(firstOf(ports)[port]) : nullptr;
     }
 
-    /// An input's node, and the edge that feeds the input; null for what there is not.
-    struct Trail
+    /// An input, and what a walk needs to know to go on from it.
+    struct Input
     {
-        const Node* owner;
-        const Edge* source;
+        int node;
+        int port;
+        int parent;         // of the node
+        const Edge* source; // the edge that feeds the input; null when there is none
 
-        bool isDown() const { return source && source->srcNode == owner->parent; }
+        bool isFedByParent() const { return source && source->srcNode == parent; }
     };
-    Trail trailOf(int ref, int port) const
+    Input input(int ref, int port) const
     {
-        const Node* owner = node(ref);
-        return {owner, owner ? sourceOf(owner->inputs, port) : nullptr};
+        if (!hasNode(ref))
+            return {ref, port, Graph::kInvalidNodeRef, nullptr};
+        return {ref, port, nodes[ref].parent, sourceOf(nodes[ref].inputs, port)};
     }
-
-    /// walkUp(), answering what walkAcross() goes on from. Moves the position if it climbs.
-    Trail climb(Trail trail, int& ref, int& port) const
+    Input climb(Input from) const
     {
-        for (int steps = numNodes; trail.isDown() && steps > 0; --steps) {
-            ref = trail.source->srcNode;
-            port = trail.source->srcIndex;
-            trail = trailOf(ref, port);
-        }
-        return trail;
+        for (int steps = numNodes; from.isFedByParent() && steps > 0; --steps)
+            from = input(from.source->srcNode, from.source->srcIndex);
+        return from;
     }
-    /// walkAcross(), given the input's node and the edge that feeds the input.
-    bool cross(Trail trail, int& ref, int& port) const
+    /// Whether the input is fed by a sibling.
+    bool crosses(const Input& from) const
     {
-        if (!trail.source || parentOf(trail.source->srcNode) != trail.owner->parent)
-            return false;
-        ref = trail.source->srcNode;
-        port = trail.source->srcIndex;
-        return true;
-    }
-    bool walkDown(int& ref, int& port) const
-    {
-        bool moved = false;
-        for (int steps = numNodes; steps > 0; --steps) {
-            const Node* owner = node(ref);
-            const Edge* source = owner ? sourceOf(owner->outputs, port) : nullptr;
-            if (!source || parentOf(source->srcNode) != ref)
-                break;
-            ref = source->srcNode;
-            port = source->srcIndex;
-            moved = true;
-        }
-        return moved;
+        return from.source && parentOf(from.source->srcNode) == from.parent;
     }
 
     bool walkUp(int& ref, int& port) const
     {
-        const Trail start = trailOf(ref, port);
-        climb(start, ref, port);
-        return start.isDown();
+        const Input start = input(ref, port);
+        const Input top = climb(start);
+        ref = top.node;
+        port = top.port;
+        return start.isFedByParent();
     }
-    bool walkAcross(int& ref, int& port) const { return cross(trailOf(ref, port), ref, port); }
+    bool walkAcross(int& ref, int& port) const
+    {
+        const Input from = input(ref, port);
+        if (!crosses(from))
+            return false;
+        ref = from.source->srcNode;
+        port = from.source->srcIndex;
+        return true;
+    }
+    bool walkDown(int& ref, int& port) const
+    {
+        const Edge* source = hasNode(ref) ? sourceOf(nodes[ref].outputs, port) : nullptr;
+        bool moved = false;
+        for (int steps = numNodes; source && steps > 0; --steps) {
+            const int child = source->srcNode;
+            if (!hasNode(child) || nodes[child].parent != ref)
+                break;
+            ref = child;
+            port = source->srcIndex;
+            moved = true;
+            source = sourceOf(nodes[ref].outputs, port);
+        }
+        return moved;
+    }
     bool walkToSourceNode(int& ref, int& port) const
     {
-        const bool fed = cross(climb(trailOf(ref, port), ref, port), ref, port);
-        if (fed)
-            walkDown(ref, port);
-        return fed;
+        walkUp(ref, port);
+        if (!walkAcross(ref, port))
+            return false;
+        walkDown(ref, port);
+        return true;
     }
 
-    /// The node that feeds an input of `owner`, traced as precedes() and the walkers do; -1 if there
-    /// is none.
+    /// From an input of `owner` to the output that feeds it, the way precedes() and the walkers go:
+    /// the first half of walkToSourceNode(), or walkAcross() alone. Answers an edge whose source is
+    /// that output, of a node in the table; null when there is none.
+    const Edge* feedOf(const Node& owner, const Port& port, bool followHierarchy) const
+    {
+        Input from{-1, -1, owner.parent, sourceOf(port)};
+        if (followHierarchy)
+            from = climb(from);
+        const Edge* source = from.source;
+        const bool isFedBySibling =
+            source && hasNode(source->srcNode) && nodes[source->srcNode].parent == from.parent;
+        return isFedBySibling ? source : nullptr;
+    }
+    /// The second half: the node that produces the value of an output.
+    int producerOf(int ref, int output) const
+    {
+        walkDown(ref, output);
+        return ref;
+    }
+    /// Both halves: the node that feeds an input of `owner`; -1 if there is none.
     int feedingNode(const Node& owner, const Port& input, bool followHierarchy) const
     {
-        Trail trail{&owner, sourceOf(input)};
-        int ref = Graph::kInvalidNodeRef;
-        int port = -1;
-        if (followHierarchy)
-            trail = climb(trail, ref, port);
-        if (!cross(trail, ref, port))
+        const Edge* feed = feedOf(owner, input, followHierarchy);
+        if (!feed)
             return Graph::kInvalidNodeRef;
-        if (followHierarchy)
-            walkDown(ref, port);
-        return node(ref) ? ref : Graph::kInvalidNodeRef;
+        return followHierarchy ? producerOf(feed->srcNode, feed->srcIndex) : feed->srcNode;
     }
+
+    // On graphs that the caches do not hold, a walk waits for memory most of its time: each of its
+    // steps tells the address of the next. But it is often known which nodes will come up, so their
+    // records are fetched ahead, in two goes: first lists of ports, and, once these are there, edges.
+
+    /// For a search that is to call feedOf() for the nodes in a queue, whose next one is `queue[0]`.
+    void fetchAhead(const int* queue, int length) const
+    {
+        if (length <= 4)
+            return;
+        if (const Node* later = node(queue[4]))
+            fetchList(later->inputs, 3); // what four ports take
+        if (const Node* soon = node(queue[2]))
+            fetchFirstEdge(soon->inputs);
+    }
+    /// For a walk to or from a node, and through the groups that it lies in.
+    void fetchPorts(int ref) const
+    {
+        for (int depth = 0; hasNode(ref) && ref != Graph::kRootNodeRef && depth < 4; ++depth) {
+            fetchList(nodes[ref].inputs, 2);
+            fetchList(nodes[ref].outputs, 1);
+            ref = nodes[ref].parent;
+        }
+    }
+    void fetchEdges(int ref) const
+    {
+        for (int depth = 0; hasNode(ref) && ref != Graph::kRootNodeRef && depth < 4; ++depth) {
+            fetchFirstEdge(nodes[ref].inputs);
+            fetchFirstEdge(nodes[ref].outputs);
+            ref = nodes[ref].parent;
+        }
+    }
+
+private:
+    static void fetchList(const QVector<Port>& ports, std::size_t numCacheLines)
+    {
+        const auto* list = reinterpret_cast<const char*>(firstOf(ports)) - sizeof(QArrayData);
+        for (std::size_t line = 0; line < numCacheLines; ++line)
+            fetch(list + 64 * line);
+    }
+    void fetchFirstEdge(const QVector<Port>& ports) const
+    {
+        if (!ports.isEmpty()
+            && static_cast<uint>(firstOf(ports)->source) < static_cast<uint>(numEdges))
+            fetch(edges + firstOf(ports)->source);
+    }
+};
+
+/// What a search from input to input keeps of a node, in a byte: whether it has been reached, and an
+/// output of it that has been traced to its producer, which need not be done twice. That saves the
+/// walk into a group for all of its readers but the first.
+class SearchMark
+{
+public:
+    explicit SearchMark(unsigned char& byteOfNode)
+        : byte(byteOfNode)
+    {
+    }
+    /// False when the node was reached before.
+    bool reach()
+    {
+        const bool isNew = !(byte & 1);
+        byte |= 1;
+        return isNew;
+    }
+    /// False when this very output is the one that was traced last.
+    bool trace(int output)
+    {
+        const int number = output + 1;
+        if (byte >> 1 == number)
+            return false;
+        if (number < 128)
+            byte = static_cast<unsigned char>(number << 1 | (byte & 1));
+        return true;
+    }
+
+private:
+    unsigned char& byte;
 };
 
 /// The two tables and the plain questions to them.

@@ -6,6 +6,8 @@
 #include "Diagnostics.h"
 #include "FindByName.h"
 
+#include <algorithm>
+
 namespace Kestrin {
 namespace Orv {
 
@@ -97,7 +99,7 @@ void RenderPassHelper::setNumOutputUsers(int index, int users)
 
 void RenderPassHelper::resetNumOutputUsers()
 {
-    outputUsers.fill(0);
+    std::fill_n(outputUsers.data(), outputUsers.size(), 0);
 }
 
 unsigned int RenderPassHelper::errorCode() const

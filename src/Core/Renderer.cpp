@@ -52,7 +52,7 @@ void Renderer::setup(RenderCallbacks* callbacks)
         if (!pass)
             continue;
         pass->resetNumOutputUsers();
-        const int numOutputs = graph.numOutputs(node);
+        const int numOutputs = tablesOf(graph).node(node).outputs.size();
         for (int output = 0; output < numOutputs; ++output)
             pass->setNumOutputUsers(output, impl->getActiveOutputUsers(node, output, visited));
         impl->setRenderPassInputs(node);

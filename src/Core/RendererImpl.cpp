@@ -6,6 +6,7 @@
 #include <Kestrin/Orv/RenderPass.h>
 
 #include <QtCore/QThread>
+#include <QtCore/QVarLengthArray>
 
 #include <algorithm>
 
@@ -41,7 +42,7 @@ void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
     bool* const flags = visited.data();
     const int numFlags = visited.size();
     const auto visit = [flags, numFlags](int ref) {
-        if (ref < 0 || ref >= numFlags || flags[ref])
+        if (static_cast<uint>(ref) >= static_cast<uint>(numFlags) || flags[ref])
             return false;
         flags[ref] = true;
         return true;
@@ -57,27 +58,32 @@ void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
         int nextInput;
     };
     const GraphView view = tablesOf(graph).view();
-    std::vector<Step> path{{node, 0}};
-    while (!path.empty()) {
-        Step& top = path.back();
+    QVarLengthArray<Step, 64> path;
+    path.append({node, 0});
+    while (!path.isEmpty()) {
+        Step& top = path.last();
         const Node* record = view.node(top.node);
         if (record && top.nextInput < record->inputs.size()) {
-            const Port& input = record->inputs.at(top.nextInput++);
+            const Port& input = firstOf(record->inputs)[top.nextInput++];
             const int source = view.feedingNode(*record, input, true);
-            if (visit(source))
-                path.push_back({source, 0});
+            if (visit(source)) {
+                view.fetchPorts(view.nodes[source].parent);
+                path.append({source, 0});
+            }
         } else {
             if (enabledPassOf(top.node))
                 executionOrder.append(top.node);
-            path.pop_back();
+            path.removeLast();
         }
     }
 }
 
 int Renderer::Impl::getActiveOutputUsers(int node, int output, const QVector<bool>& visited)
 {
-    const auto isVisited = [&visited](int ref) {
-        return hasIndex(visited, ref) && visited.at(ref);
+    const bool* const flags = visited.constData();
+    const int numFlags = visited.size();
+    const auto isVisited = [flags, numFlags](int ref) {
+        return static_cast<uint>(ref) < static_cast<uint>(numFlags) && flags[ref];
     };
     const auto isVisitedOrRoot = [&](int ref) {
         return isVisited(ref) || ref == Graph::kRootNodeRef;
@@ -118,18 +124,19 @@ Q_ALWAYS_INLINE void Renderer::Impl::setInputs(RenderPass* pass, int node)
     const GraphTables& tables = tablesOf(graph);
     const int numInputs = pass->numInputs();
     for (int i = 0; i < numInputs; ++i) {
-        int source = node;
-        int port = i;
         const GraphView view = tables.view();
-        const GraphView::Trail start = view.trailOf(source, port);
-        const GraphView::Trail trail = view.climb(start, source, port);
-        if (start.isDown() && source == Graph::kRootNodeRef) {
-            const QVariant value = parameters.value(port);
+        const GraphView::Input start = view.input(node, i);
+        const GraphView::Input top = view.climb(start);
+        if (top.node == Graph::kRootNodeRef && start.isFedByParent()) {
+            const QVariant value = parameters.value(top.port);
             pass->setInput(i, value);
             continue;
         }
         const RenderPass* producer = nullptr;
-        if (view.cross(trail, source, port)) {
+        int port = -1;
+        if (view.crosses(top)) {
+            int source = top.source->srcNode;
+            port = top.source->srcIndex;
             view.walkDown(source, port);
             producer = enabledPassOf(source);
         }
@@ -182,10 +189,25 @@ bool Renderer::Impl::render(int node, RenderCallbacks* callbacks)
     return pass->errorCode() == 0;
 }
 
+/// Has memory fetched that the passes after the one at `position` will need.
+void Renderer::Impl::fetchAhead(int position) const
+{
+    if (executionOrder.size() - position <= 8)
+        return;
+    const GraphView view = tablesOf(graph).view();
+    const int* next = executionOrder.constData() + position;
+    fetch(view.node(next[8]));
+    fetch(passOf(next[6]));
+    view.fetchPorts(next[6]);
+    view.fetchEdges(next[3]);
+}
+
 /// Runs the scheduled passes until one fails. They may change the execution order as they run.
 bool Renderer::Impl::renderAll(RenderCallbacks* callbacks)
 {
     for (int i = 0; i < executionOrder.size(); ++i) {
+        if (executionOrder.size() >= 256) // fewer stay in the caches anyway
+            fetchAhead(i);
         if (!render(executionOrder.at(i), callbacks))
             return false;
     }

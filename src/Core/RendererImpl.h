@@ -62,6 +62,7 @@ struct Renderer::Impl
     /// Runs the pass of `node` in this frame; false when it failed.
     ORV_EXPORT bool render(int node, RenderCallbacks* callbacks);
 
+    void fetchAhead(int position) const;
     bool renderAll(RenderCallbacks* callbacks);
     void setInputs(RenderPass* pass, int node);
     bool wasStarted(int node) const;

@@ -12,16 +12,33 @@ namespace Orv {
 
 namespace {
 
+/// Frames stand in blocks, so that a step into a node seldom takes memory. The last one of a block is
+/// not used: it lies below itself, which tells it from all others.
+struct FrameBlock
+{
+    static constexpr int size = 64;
+    WalkFrame frames[size];
+};
+
 void push(WalkFrame*& stack, int node)
 {
-    stack = new WalkFrame{node, 0, stack};
+    WalkFrame* top = stack ? stack + 1 : nullptr;
+    if (!top || top->below == top) {
+        auto* block = new FrameBlock();
+        WalkFrame* last = block->frames + FrameBlock::size - 1;
+        last->below = last;
+        top = block->frames;
+    }
+    *top = {node, 0, stack};
+    stack = top;
 }
 
 void popFrom(WalkFrame*& stack)
 {
     WalkFrame* top = stack;
     stack = top->below;
-    delete top;
+    if (stack != top - 1)
+        delete reinterpret_cast<FrameBlock*>(top); // the first of its block
 }
 
 void popAll(WalkFrame*& stack)
@@ -87,9 +104,19 @@ void BottomUpInputWalker::moveNext()
         const Node& node = tables.node(stack->node);
         if (stack->nextIndex >= node.inputs.size())
             return;
-        const Port& input = node.inputs.at(stack->nextIndex++);
-        const int source = view.feedingNode(node, input, followHierarchy);
-        if (source != Graph::kInvalidNodeRef && reach(source))
+        const Port& input = firstOf(node.inputs)[stack->nextIndex++];
+        const Edge* feed = view.feedOf(node, input, followHierarchy);
+        if (!feed)
+            continue;
+        int source = feed->srcNode;
+        unsigned char* mark = markOf(source);
+        if (followHierarchy) {
+            if (mark && !SearchMark(*mark).trace(feed->srcIndex))
+                continue;
+            source = view.producerOf(source, feed->srcIndex);
+            mark = markOf(source);
+        }
+        if (mark && SearchMark(*mark).reach())
             push(stack, source);
     }
 }
@@ -99,21 +126,16 @@ void BottomUpInputWalker::pop()
     popFrom(stack);
 }
 
-/// Marks a node of the graph reached; false when it was already.
-bool BottomUpInputWalker::reach(int node)
+/// The SearchMark of a node of the graph; null when the node was not there at the start.
+unsigned char* BottomUpInputWalker::markOf(int node)
 {
-    if (node < numVisited) {
-        if (visited[node])
-            return false;
-        visited[node] = 1;
-        return true;
-    }
+    if (node < numVisited)
+        return visited + node;
     if (visitedElsewhere.isEmpty())
-        visitedElsewhere.resize(graph->numNodesGlobal());
-    if (node >= visitedElsewhere.size() || visitedElsewhere.testBit(node))
-        return false;
-    visitedElsewhere.setBit(node);
-    return true;
+        visitedElsewhere.fill('\0', graph->numNodesGlobal());
+    return node < visitedElsewhere.size()
+        ? reinterpret_cast<unsigned char*>(visitedElsewhere.data()) + node
+        : nullptr;
 }
 
 // BottomUpSubgraphWalker
@@ -197,7 +219,7 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     if (node == Graph::kInvalidNodeRef)
         return;
     if (node >= 0 && node < numNodes)
-        visited[node] = 1;
+        SearchMark(visited[node]).reach();
     queue[tail++] = node;
 }
 
@@ -223,15 +245,29 @@ void BreadthFirstInputWalker::next()
         return;
     const GraphTables& tables = tablesOf(*graph);
     const GraphView view = tables.view();
+    view.fetchAhead(queue + head, tail - head);
     const Node& node = tables.node(queue[head++]);
     const int numNodes = queue[-1];
-    for (const Port& input : node.inputs) {
-        const int source = view.feedingNode(node, input, followHierarchy);
-        if (source < 0 || source >= numNodes || visited[source])
+    const Port* input = firstOf(node.inputs);
+    const Port* const inputsEnd = input + node.inputs.size();
+    int end = tail;
+    for (; input != inputsEnd; ++input) {
+        const Edge* feed = view.feedOf(node, *input, followHierarchy);
+        if (!feed)
             continue;
-        visited[source] = 1;
-        queue[tail++] = source;
+        int source = feed->srcNode;
+        if (followHierarchy) {
+            if (source < numNodes && !SearchMark(visited[source]).trace(feed->srcIndex))
+                continue;
+            source = view.producerOf(source, feed->srcIndex);
+        }
+        if (source >= numNodes)
+            continue;
+        // Whether a node is new cannot be foretold, so this does not branch on it.
+        queue[end] = source;
+        end += SearchMark(visited[source]).reach();
     }
+    tail = end;
 }
 
 } // namespace Orv

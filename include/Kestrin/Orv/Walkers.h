@@ -7,6 +7,7 @@
 #include <Kestrin/Orv/Export.h>
 
 #include <QtCore/QBitArray>
+#include <QtCore/QByteArray>
 
 namespace Kestrin {
 namespace Orv {
@@ -32,8 +33,8 @@ struct WalkFrame;
 /// they feed, inputs in ascending order, the start node last. (Where edges have been wired into a
 /// cycle through the start node, it is yielded a second time.)
 ///
-/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, one small frame
-/// per node on the current path, and one bit per node of the graph when nested nodes are reached.
+/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, room for the
+/// nodes on the current path, and one byte per node of the graph when nested nodes are reached.
 class ORV_EXPORT BottomUpInputWalker
 {
 public:
@@ -53,14 +54,14 @@ public:
 private:
     void moveNext();
     void pop();
-    ORV_NO_EXPORT bool reach(int node);
+    ORV_NO_EXPORT unsigned char* markOf(int node);
 
     const Graph* graph;
     bool followHierarchy;
     unsigned char* visited; // by node ref, for the refs below the number of the root's children
     WalkFrame* stack;
-    int numVisited;             // length of `visited`
-    QBitArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
+    int numVisited;              // length of `visited`
+    QByteArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
 };
 
 /// Visits the subtree of a start node: children before their parent and in their order, the start
@@ -68,8 +69,8 @@ private:
 /// but still listed are yielded like any other. Where the lists of children are no tree any more (see
 /// Graph::purge()), each node is yielded once.
 ///
-/// Linear in the nodes reached. Allocates one bit per node of the graph and one small frame per node
-/// on the current path.
+/// Linear in the nodes reached. Allocates one bit per node of the graph and room for the nodes on the
+/// current path.
 class ORV_EXPORT BottomUpSubgraphWalker
 {
 public:
