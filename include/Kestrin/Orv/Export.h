@@ -5,13 +5,14 @@
 #define KESTRIN_ORV_EXPORT_H
 
 /// ORV_EXPORT marks what libOrvCore exports, ORV_NO_EXPORT what an exported class keeps to the
-/// library; everything else is hidden anyway. ORV_EXPORT is empty in a static build, which defines
+/// library; everything else is hidden anyway. Both are empty in a static build, which defines
 /// ORV_CORE_STATIC for itself and its users.
 #if defined(ORV_CORE_STATIC)
 #    define ORV_EXPORT
+#    define ORV_NO_EXPORT
 #else
 #    define ORV_EXPORT __attribute__((visibility("default")))
+#    define ORV_NO_EXPORT __attribute__((visibility("hidden")))
 #endif
-#define ORV_NO_EXPORT __attribute__((visibility("hidden")))
 
 #endif
