@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
-#include <Kestrin/Orv/Inspect/StandInPass.h>
 
 #include "LookUp.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
@@ -53,7 +53,7 @@ void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord
     const RenderPass* innermost = TracedPass::innermost(&pass);
     if (const auto* standIn = dynamic_cast<const StandInPass*>(innermost))
         record.type = standIn->type();
-    else if (typeOf)
+    else if (innermost && typeOf)
         record.type = typeOf(*innermost);
     const int numInputs = pass.numInputs();
     int index = 0;

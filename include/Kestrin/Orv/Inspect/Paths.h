@@ -60,7 +60,7 @@ public:
     /// The path of an output; linear in the depth of the node.
     QString output(int node, int index) const;
     /// The path of a port.
-    QString port(const PortRef& port) const;
+    QString port(const PortRef& ref) const;
     /// A name alone, as a part of a path.
     static QString escaped(const QString& name);
 

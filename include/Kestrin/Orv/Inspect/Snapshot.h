@@ -90,22 +90,22 @@ public:
     /// The edge of a ref.
     const EdgeRecord& edge(int ref) const;
     /// An input of a node.
-    const PortRecord& input(int node, int index) const;
+    const PortRecord& input(int ref, int index) const;
     /// An output of a node.
-    const PortRecord& output(int node, int index) const;
+    const PortRecord& output(int ref, int index) const;
     /// Which way an edge runs; EdgeKind::None for a removed one.
-    EdgeKind kindOf(int edge) const;
+    EdgeKind kindOf(int ref) const;
     /// Whether the node has a pass that is enabled: the only ones that are run and read.
-    bool isLivePass(int node) const;
+    bool isLivePass(int ref) const;
 
     /// As Graph::walkUp().
-    bool walkUp(int& node, int& port) const;
+    bool walkUp(int& ref, int& port) const;
     /// As Graph::walkAcross().
-    bool walkAcross(int& node, int& port) const;
+    bool walkAcross(int& ref, int& port) const;
     /// As Graph::walkDown().
-    bool walkDown(int& node, int& port) const;
+    bool walkDown(int& ref, int& port) const;
     /// As Graph::walkToSourceNode().
-    bool walkToSourceNode(int& node, int& port) const;
+    bool walkToSourceNode(int& ref, int& port) const;
 
     QVector<NodeRecord> nodes; ///< by ref; the root is the first
     QVector<EdgeRecord> edges; ///< by ref
