@@ -371,6 +371,14 @@ TEST(DocumentProblems, TellUnknownGroups)
         "\n");
 }
 
+TEST(DocumentProblems, AGroupThatCannotBeReadMakesNoOtherOneUnknown)
+{
+    EXPECT_EQ(
+        problemsOf(R"("nodes":[{"path":"A","groups":[1],"inputs":[{"name":"x","group":"h"}]}])"),
+        R"(2:32 wrong-type: a group must be a string, not a number)"
+        "\n");
+}
+
 TEST(DocumentProblems, TellGroupsOfOneName)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","groups":["g","g"],"inputs":[{"name":"x",)"
