@@ -132,7 +132,7 @@ private:
     std::vector<bool> outputsComplete;
     bool nodesComplete = true; // the path of every entry could be read
     int numPasses = 0;
-    std::vector<QPair<int, int>> values; // nodes that have one, and its item
+    std::vector<QPair<int, int>> values; // those of groups, and their items
     QSet<QString> toldPaths;             // what leads nowhere and has been told
     QSet<QString> toldPorts;
     QSet<QString> repeatedPaths; // that several entries have
@@ -482,7 +482,7 @@ void DocumentReader::readRoot(const Members& members)
         readString(memberOf(members, "name"), "\"name\"", root.name);
     const int value = memberOf(members, "value");
     if (value >= 0 && readInt(value, "\"value\"", root.value))
-        values.emplace_back(0, value);
+        values.emplace_back(root.value, value);
     bool groupsRead = true;
     root.groups = readGroups(memberOf(members, "groups"), groupsRead);
     beginPorts(root.groups, groupsRead);
@@ -601,7 +601,7 @@ void DocumentReader::readKind(const Members& members, NodeRecord& node)
         report(value, "misplaced-key",
                QStringLiteral("the value of a pass is its number and not written"));
     else if (value >= 0 && readInt(value, "\"value\"", node.value))
-        values.emplace_back(result.snapshot.nodes.size(), value);
+        values.emplace_back(node.value, value);
 }
 
 void DocumentReader::readNode(int item)
@@ -698,7 +698,7 @@ void DocumentReader::checkNumbers()
 void DocumentReader::checkValues()
 {
     for (const QPair<int, int>& entry : values) {
-        const int value = result.snapshot.nodes.at(entry.first).value;
+        const int value = entry.first;
         if (value >= 0 && value < numPasses)
             report(entry.second, "value-names-pass",
                    QStringLiteral("the value ") + QString::number(value)

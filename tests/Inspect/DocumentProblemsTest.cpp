@@ -371,6 +371,13 @@ TEST(DocumentProblems, TellUnknownGroups)
         "\n");
 }
 
+TEST(DocumentProblems, TheValueOfANodeWithoutAPathIsNotLookedAt)
+{
+    EXPECT_EQ(problemsOf(R"("nodes":[{"value":7}])"),
+              R"(2:10 missing-key: the key "path" is missing)"
+              "\n");
+}
+
 TEST(DocumentProblems, AGroupThatCannotBeReadMakesNoOtherOneUnknown)
 {
     EXPECT_EQ(
