@@ -132,6 +132,25 @@ TEST(DiffNodes, OfSeveralCandidatesForARenamingTheBestWiredIsTaken)
               "node-renamed Z: A -> Z\n");
 }
 
+TEST(DiffNodes, OfSeveralCandidatesForARenamingTheOneThatSharesMostFeedsIsTaken)
+{
+    Host host;
+    host.parameter("p");
+    host.parameter("q");
+    const int first = host.pass("A", "x y", "");
+    const int second = host.pass("B", "x y", "");
+    host.down("p", first, "x");
+    host.down("p", second, "x");
+    host.down("q", first, "y");
+    host.down("p", second, "y");
+    const Snapshot before = host.snapshot();
+    host.graph.setNodeName(first, QStringLiteral("Y"));
+    host.graph.setNodeName(second, QStringLiteral("Z"));
+    EXPECT_EQ(compared(before, host.snapshot()),
+              "node-renamed Y: A -> Y\n"
+              "node-renamed Z: B -> Z\n");
+}
+
 TEST(DiffNodes, AMovedPassIsReportedWithTheInputsThatAreFedOtherwise)
 {
     Chain host;
