@@ -44,7 +44,7 @@ QString resourcesPath()
         const QFileInfo executable(executablePath());
         // For a file that is not there, some releases of Qt take "." for its directory.
         const QString directory = executable.exists() ? executable.canonicalPath() : QString();
-        cachedResourcesPath = directory + QStringLiteral("/Resources");
+        cachedResourcesPath = directory + QLatin1String("/Resources");
     }
     return cachedResourcesPath;
 }
@@ -54,21 +54,23 @@ void setResourcesPath(const QString& path)
     cachedResourcesPath = path;
 }
 
+// Strings that are handed out own their memory: a literal's would go with the library when a host
+// unloads it.
 namespace CoreVersions {
 
 QString getVersion()
 {
-    return QStringLiteral("1.0.0");
+    return QString::fromLatin1("1.0.0");
 }
 
 QString getGitHash()
 {
-    return QStringLiteral("");
+    return QString::fromLatin1("");
 }
 
 QString getMd5Sum()
 {
-    return QStringLiteral("1");
+    return QString::fromLatin1("1");
 }
 
 } // namespace CoreVersions

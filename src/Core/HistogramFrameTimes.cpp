@@ -16,15 +16,25 @@ constexpr quint32 bucketWidthUS = 500;
 constexpr quint32 highestBucketUS = 1000000;
 constexpr quint32 flushAfterUS = 60000000;
 
-// The mutex orders all changes. The atomics are for the early checks that read without it.
-quint32 load(const std::atomic<quint32>& field)
+// Two fields are also read without the mutex, by the early checks. They are plain numbers to derived
+// classes; here they are read and written as relaxed atomics are, so that no thread sees half a
+// number. The mutex orders all changes.
+quint32 load(const quint32& field)
 {
-    return field.load(std::memory_order_relaxed);
+#if defined(__GNUC__)
+    return __atomic_load_n(&field, __ATOMIC_RELAXED);
+#else
+    return static_cast<const volatile quint32&>(field);
+#endif
 }
 
-void store(std::atomic<quint32>& field, quint32 value)
+void store(quint32& field, quint32 value)
 {
-    field.store(value, std::memory_order_relaxed);
+#if defined(__GNUC__)
+    __atomic_store_n(&field, value, __ATOMIC_RELAXED);
+#else
+    static_cast<volatile quint32&>(field) = value;
+#endif
 }
 
 } // namespace

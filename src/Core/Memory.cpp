@@ -6,6 +6,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <memory>
+
 namespace Kestrin {
 namespace Orv {
 
@@ -34,11 +36,13 @@ struct MemoryMappedFile::MappedFileState
 };
 
 MemoryMappedFile::MemoryMappedFile(const QString& path)
-    : state(new MappedFileState(path))
+    : state(nullptr)
 {
+    std::unique_ptr<MappedFileState> opened(new MappedFileState(path));
     // Only regular files: opening a FIFO would wait for its writer.
-    if (QFileInfo(state->file).isFile() && state->file.open(QIODevice::ReadOnly))
-        state->fileSize = static_cast<quint64>(state->file.size());
+    if (QFileInfo(opened->file).isFile() && opened->file.open(QIODevice::ReadOnly))
+        opened->fileSize = static_cast<quint64>(opened->file.size());
+    state = opened.release();
 }
 
 MemoryMappedFile::~MemoryMappedFile()
@@ -81,7 +85,7 @@ unsigned long RawMemory::size() const
 
 unsigned char* RawMemory::get(unsigned long offset, unsigned long size)
 {
-    return isInside(bufferSize, offset, size) ? buffer + offset : nullptr;
+    return buffer && isInside(bufferSize, offset, size) ? buffer + offset : nullptr;
 }
 
 void RawMemory::release(unsigned char*) { }

@@ -44,9 +44,9 @@ public:
         std::string text;
         for (auto it = buckets.begin(); it != buckets.end(); ++it)
             text += std::to_string(it.key()) + ":" + std::to_string(it.value()) + " ";
-        return text + "| " + std::to_string(frameCount.load()) + " "
-            + std::to_string(totalTimeUS.load()) + " " + std::to_string(minTimeUS) + " "
-            + std::to_string(peakBucketUS) + ":" + std::to_string(peakCount);
+        return text + "| " + std::to_string(frameCount) + " " + std::to_string(totalTimeUS) + " "
+            + std::to_string(minTimeUS) + " " + std::to_string(peakBucketUS) + ":"
+            + std::to_string(peakCount);
     }
 };
 
@@ -418,6 +418,27 @@ TEST(HistogramFrameTimes, AnOverridingDumpReadsTheFields)
     histogram.addFrameTimeUS(1000);
     static_cast<HistogramFrameTimes&>(histogram).dump();
     EXPECT_EQ(histogram.text, "1000,1\n2000,1\n");
+}
+
+TEST(HistogramFrameTimes, ADerivedDumpBindsPassesAndPrintsTheFields)
+{
+    struct Derived : Histogram
+    {
+        void dump() override
+        {
+            const quint32& frames = frameCount;
+            const auto twice = [](quint32 number) { return 2 * number; };
+            char line[64];
+            std::snprintf(line, sizeof line, "%u %u %u %u %u", frames, twice(totalTimeUS),
+                          minTimeUS, peakBucketUS, peakCount);
+            text = line;
+        }
+        std::string text;
+    };
+    Derived histogram;
+    histogram.add({1000, 1000, 500});
+    histogram.dump();
+    EXPECT_EQ(histogram.text, "3 5000 500 1000 2");
 }
 
 TEST(HistogramFrameTimes, IsDestroyedThroughItsBaseAndNeverCopied)

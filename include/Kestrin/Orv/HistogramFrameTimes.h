@@ -9,8 +9,6 @@
 #include <QtCore/QMap>
 #include <QtCore/QMutex>
 
-#include <atomic>
-
 namespace Kestrin {
 namespace Orv {
 
@@ -22,6 +20,7 @@ namespace Orv {
 ///
 /// Any thread may call addFrameTimeUS(), clear() and dump() at any time; a mutex guards the fields.
 /// It is not recursive: an overriding flush() or dump() that holds it must not call these operations.
+/// Derived classes lock it to read or change the fields.
 class ORV_EXPORT HistogramFrameTimes
 {
 public:
@@ -49,11 +48,11 @@ public:
 protected:
     QMutex mutex;                             ///< guards all fields below
     QMap<unsigned int, unsigned int> buckets; ///< bucket in microseconds to number of frames
-    std::atomic<quint32> frameCount;          ///< frames counted; also read without the lock
-    std::atomic<quint32> totalTimeUS; ///< sum of the buckets counted; also read without the lock
-    quint32 minTimeUS;                ///< smallest bucket counted; 1000000 when empty
-    quint32 peakBucketUS;             ///< the bucket that was first to reach `peakCount`
-    quint32 peakCount;                ///< the highest count of a bucket
+    quint32 frameCount;                       ///< frames counted
+    quint32 totalTimeUS;                      ///< sum of the buckets counted
+    quint32 minTimeUS;                        ///< smallest bucket counted; 1000000 when empty
+    quint32 peakBucketUS;                     ///< the bucket that was first to reach `peakCount`
+    quint32 peakCount;                        ///< the highest count of a bucket
 };
 
 } // namespace Orv

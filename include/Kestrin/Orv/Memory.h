@@ -60,7 +60,7 @@ private:
 class ORV_EXPORT RawMemory : public Memory
 {
 public:
-    /// Takes over \p bytes, made by array new, or null with \p size 0.
+    /// Takes over \p bytes, made by array new. Null lends nothing, whatever \p size is.
     RawMemory(unsigned char* bytes, unsigned long size);
     /// Frees the buffer with array delete.
     ~RawMemory() override;
