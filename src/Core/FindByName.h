@@ -11,8 +11,9 @@ namespace Kestrin {
 namespace Orv {
 
 /// The position of the first record of this name, or -1.
-template<typename Record>
-int findByName(const QVector<Record>& records, const QString& name)
+/// The first of the records that has a name; -1 if none has it.
+template<typename Record, typename String>
+int findByName(const QVector<Record>& records, const String& name)
 {
     for (int i = 0; i < records.size(); ++i) {
         if (records.at(i).name == name)

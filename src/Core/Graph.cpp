@@ -4,15 +4,16 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Graphviz.h>
 
+#include "AppendToBoth.h"
 #include "Diagnostics.h"
 #include "FindByName.h"
-#include "GraphImpl.h"
+#include "GraphTables.h"
+#include "GraphView.h"
+#include "UpstreamSearch.h"
 
 #include <QtCore/QSet>
 
 #include <algorithm>
-#include <cstring>
-#include <memory>
 #include <utility>
 
 namespace Kestrin {
@@ -24,19 +25,6 @@ const int Graph::kInvalidEdgeRef;
 const int Graph::kInvalidGroupRef;
 
 namespace {
-
-/// Appends to both lists or, when memory runs out, to neither.
-template<typename A, typename B>
-void appendToBoth(QVector<A>& first, const A& a, QVector<B>& second, B b)
-{
-    first.append(a);
-    try {
-        second.append(std::move(b));
-    } catch (...) {
-        first.removeLast();
-        throw;
-    }
-}
 
 /// Takes `value` out of a list that holds it once at most. What was listed last goes first in most
 /// removals, so the search begins at the back.
@@ -217,7 +205,7 @@ int Graph::parentNode(int node) const
 
 bool Graph::contains(int ancestor, int node) const
 {
-    // After a purge, parents may run in a circle: no line of ancestors is longer than the table.
+    // After a purge, parents may form a cycle: no line of ancestors is longer than the table.
     int steps = impl->nodes.size();
     for (int p = parentNode(node); p != kInvalidNodeRef && steps > 0; p = parentNode(p), --steps) {
         if (p == ancestor)
@@ -480,6 +468,7 @@ int Graph::Impl::connect(Port& left, Port& entered, const Edge& edge)
     const int ref = edges.size();
     appendToBoth(left.destinations, ref, edges, edge);
     entered.source = ref;
+    nodes[edge.srcNode].numSourceEdges += isSourceEdge(edge);
     return ref;
 }
 
@@ -542,6 +531,7 @@ void Graph::Impl::removeEdge(int ref)
     if (Node* node = find(nodes, edge->srcNode)) {
         if (Port* port = find(node->*left, edge->srcIndex))
             removeOne(port->destinations, ref);
+        node->numSourceEdges -= isSourceEdge(*edge);
     }
     if (Node* node = find(nodes, edge->dstNode)) {
         if (Port* port = find(node->*entered, edge->dstIndex))
@@ -557,6 +547,18 @@ void Graph::Impl::disconnect(const Port& port)
     // Counted: not every removal shortens this very list once ports have been deleted.
     for (int position = port.destinations.size() - 1; position >= 0; --position)
         removeEdge(lookUp(port.destinations, position));
+}
+
+/// Counts anew: the kinds of edges follow from the parents, which a purge leaves as they are while
+/// it renumbers the nodes.
+void Graph::Impl::countSourceEdges()
+{
+    for (Node& node : nodes)
+        node.numSourceEdges = 0;
+    for (const Edge& edge : qAsConst(edges)) {
+        if (isSourceEdge(edge) && hasIndex(nodes, edge.srcNode))
+            ++nodes[edge.srcNode].numSourceEdges;
+    }
 }
 
 void Graph::removeEdge(int edge)
@@ -583,10 +585,14 @@ void Graph::disconnectInputGroup(int node, int group)
 int Graph::addEdgeByName(int srcNode, const QString& srcOutputName, int dstNode,
                          const QString& dstInputName)
 {
-    ORV_ASSERT(isValidOutput(srcNode, findOutput(srcNode, srcOutputName)),
-               "Source output '%s' is not valid", qPrintable(srcOutputName));
-    ORV_ASSERT(isValidInput(dstNode, findInput(dstNode, dstInputName)),
-               "Dest input '%s' is not valid", qPrintable(dstInputName));
+    const auto noOutput = [&] {
+        return QString::asprintf("Source output '%s' is not valid", qPrintable(srcOutputName));
+    };
+    const auto noInput = [&] {
+        return QString::asprintf("Dest input '%s' is not valid", qPrintable(dstInputName));
+    };
+    ORV_ASSERT(isValidOutput(srcNode, findOutput(srcNode, srcOutputName)), noOutput());
+    ORV_ASSERT(isValidInput(dstNode, findInput(dstNode, dstInputName)), noInput());
     return addEdge(srcNode, findOutput(srcNode, srcOutputName), dstNode,
                    findInput(dstNode, dstInputName));
 }
@@ -601,13 +607,18 @@ int Graph::addUpEdgeByName(const QString& parentOutputName, int childNode,
 int Graph::addDownEdgeByName(const QString& parentInputName, int childNode,
                              const QString& childInputName)
 {
-    ORV_ASSERT(isValidNode(childNode), "Parent '%s' Child '%s'", qPrintable(parentInputName),
-               qPrintable(childInputName));
-    ORV_ASSERT(isValidInput(childNode, findInput(childNode, childInputName)),
-               "Parent '%s' Child '%s'", qPrintable(parentInputName), qPrintable(childInputName));
-    ORV_ASSERT(
-        isValidInput(parentNode(childNode), findInput(parentNode(childNode), parentInputName)),
-        "Parent '%s' Child '%s'", qPrintable(parentInputName), qPrintable(childInputName));
+    const auto names = [&] {
+        return QString::asprintf("Parent '%s' Child '%s'", qPrintable(parentInputName),
+                                 qPrintable(childInputName));
+    };
+    ORV_ASSERT(isValidNode(childNode), names());
+    ORV_ASSERT(isValidInput(childNode, findInput(childNode, childInputName)), names());
+    // As a macro call, this condition is too long for a line.
+    const char* const isValidParentInput =
+        "isValidInput(parentNode(childNode), findInput(parentNode(childNode), parentInputName))";
+    const int parent = parentNode(childNode);
+    const bool holds = isValidInput(parent, findInput(parent, parentInputName));
+    ORV_ASSERT_TEXT(holds, isValidParentInput, names());
     return addDownEdge(findInput(parentNode(childNode), parentInputName), childNode,
                        findInput(childNode, childInputName));
 }
@@ -771,134 +782,37 @@ bool Graph::isValidOutputDestination(int node, int output, int index) const
 
 bool Graph::walkUp(int& node, int& port) const
 {
-    return impl->view().walkUp(node, port);
+    return GraphView(*impl).walkUp(node, port);
 }
 
 bool Graph::walkAcross(int& node, int& port) const
 {
-    return impl->view().walkAcross(node, port);
+    return GraphView(*impl).walkAcross(node, port);
 }
 
 bool Graph::walkDown(int& node, int& port) const
 {
-    return impl->view().walkDown(node, port);
+    return GraphView(*impl).walkDown(node, port);
 }
 
 bool Graph::walkToSourceNode(int& node, int& port) const
 {
-    return impl->view().walkToSourceNode(node, port);
+    return GraphView(*impl).walkToSourceNode(node, port);
 }
 
 // The whole graph
 
-namespace {
-
-/// The search of precedes(): breadth first, from one node to all that feed it.
-template<bool followHierarchy>
-class UpstreamSearch
-{
-public:
-    UpstreamSearch(const GraphView& graph, int nodeToFind)
-        : view(graph)
-        , wanted(nodeToFind)
-    {
-    }
-
-    bool run(int start)
-    {
-        int first[handful] = {start};
-        const auto numNodes = static_cast<std::size_t>(view.numNodes);
-        if (numNodes <= smallGraph) {
-            int nodes[smallGraph + 1];
-            unsigned char marks[smallGraph];
-            return searchAll(first, nodes, marks);
-        }
-        // Most searches reach a handful of nodes, for which no memory is taken.
-        if (searchHandful(first))
-            return true;
-        if (head == tail)
-            return false;
-        const std::unique_ptr<int[]> nodes(new int[numNodes + 1]);
-        const std::unique_ptr<unsigned char[]> marks(new unsigned char[numNodes]);
-        return searchAll(first, nodes.get(), marks.get());
-    }
-
-private:
-    static constexpr int smallGraph = 512;
-    static constexpr int handful = 16;
-
-    /// Goes on until there are more than a handful; then `head` stays where they come from.
-    bool searchHandful(int* nodes)
-    {
-        for (; head < tail; ++head) {
-            const Node& node = view.nodes[nodes[head]];
-            for (const Port& input : node.inputs) {
-                const int source = view.feedingNode(node, input, followHierarchy);
-                if (source == wanted)
-                    return true;
-                int* const end = nodes + tail;
-                if (source == Graph::kInvalidNodeRef || std::find(nodes, end, source) != end)
-                    continue;
-                if (tail == handful)
-                    return false;
-                nodes[tail++] = source;
-            }
-        }
-        return false;
-    }
-
-    /// Goes on to the end, in a list with room for all nodes and one more, and with a mark for each.
-    /// The loop works with locals alone, which stay in registers.
-    bool searchAll(const int* first, int* nodes, unsigned char* marks)
-    {
-        const GraphView graph = view;
-        int end = tail;
-        std::memset(marks, 0, static_cast<std::size_t>(graph.numNodes));
-        for (int i = 0; i < end; ++i) {
-            nodes[i] = first[i];
-            SearchMark(marks[first[i]]).reach();
-        }
-
-        for (int next = head; next < end; ++next) {
-            graph.fetchAhead(nodes + next, end - next);
-            const Node& node = graph.nodes[nodes[next]];
-            const Port* input = firstOf(node.inputs);
-            const Port* const inputsEnd = input + node.inputs.size();
-            for (; input != inputsEnd; ++input) {
-                const Edge* feed = graph.feedOf(node, *input, followHierarchy);
-                if (!feed)
-                    continue;
-                int source = feed->srcNode;
-                if (followHierarchy) {
-                    if (!SearchMark(marks[source]).trace(feed->srcIndex))
-                        continue;
-                    source = graph.producerOf(source, feed->srcIndex);
-                }
-                if (source == wanted)
-                    return true;
-                // Whether a node is new cannot be foretold, so this does not branch on it.
-                nodes[end] = source;
-                end += SearchMark(marks[source]).reach();
-            }
-        }
-        return false;
-    }
-
-    const GraphView view;
-    const int wanted;
-    int head = 0; // of the nodes found, the next one to be searched
-    int tail = 1; // how many have been found
-};
-
-} // namespace
-
 bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const
 {
-    const GraphView view = impl->view();
+    const GraphView view(*impl);
     if (!view.hasNode(upstreamNode) || !view.hasNode(downstreamNode))
         return false;
     if (upstreamNode == downstreamNode)
         return true;
+    // Most answers need no search: a graph that is wired from the sources down asks about a node
+    // that feeds nothing yet.
+    if (view.nodes[upstreamNode].numSourceEdges == 0)
+        return false;
     return followHierarchy ? UpstreamSearch<true>(view, upstreamNode).run(downstreamNode)
                            : UpstreamSearch<false>(view, upstreamNode).run(downstreamNode);
 }
@@ -965,6 +879,7 @@ void Graph::purge()
     }
     impl->nodes.swap(nodes);
     impl->edges.swap(edges);
+    impl->countSourceEdges();
 }
 
 void dumpAsGraphviz(const Graph* graph)
@@ -996,8 +911,8 @@ void dumpAsGraphviz(const Graph* graph)
                 if (written.contains(destination))
                     continue;
                 written.insert(destination);
-                ORV_DEBUG("  \"%s\" -> \"%s\";", qPrintable(name),
-                          qPrintable(graph->nodeName(destination)));
+                const QString destinationName = graph->nodeName(destination);
+                ORV_DEBUG("  \"%s\" -> \"%s\";", qPrintable(name), qPrintable(destinationName));
             }
         }
     }

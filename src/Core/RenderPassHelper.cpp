@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/RenderPassHelper.h>
 
+#include "AppendToBoth.h"
 #include "Diagnostics.h"
 #include "FindByName.h"
 
@@ -119,15 +120,13 @@ void RenderPassHelper::setErrorCode(unsigned int code)
 
 int RenderPassHelper::addInput(const QString& name, const QVariant& defaultValue)
 {
-    inputs.append({name, QVariant()});
-    defaultValues.append(defaultValue);
+    appendToBoth(inputs, NamedValue<QVariant>{name, QVariant()}, defaultValues, defaultValue);
     return inputs.size() - 1;
 }
 
 int RenderPassHelper::addOutput(const QString& name)
 {
-    outputs.append({name, QVariant()});
-    outputUsers.append(0);
+    appendToBoth(outputs, NamedValue<QVariant>{name, QVariant()}, outputUsers, 0);
     return outputs.size() - 1;
 }
 

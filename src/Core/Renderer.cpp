@@ -4,17 +4,23 @@
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
+#include "AppendToBoth.h"
+#include "FindByName.h"
+#include "GraphView.h"
 #include "RendererImpl.h"
+
+#include <QtCore/QThread>
+#include <QtCore/QVarLengthArray>
+
+#include <algorithm>
+#include <memory>
 
 namespace Kestrin {
 namespace Orv {
 
 namespace {
 
-QString staggeredFirstFrameName()
-{
-    return QStringLiteral("Orv_bool_staggeredFirstFrame");
-}
+const QLatin1String staggeredFirstFrameName("Orv_bool_staggeredFirstFrame");
 
 } // namespace
 
@@ -118,6 +124,8 @@ void Renderer::endFrame(RenderCallbacks*) { }
 
 int Renderer::addPass(const QString& name, RenderPass* pass, int parent)
 {
+    if (pass && impl->registered.contains(pass))
+        return Graph::kInvalidNodeRef;
     const int passIndex = impl->addPass(pass);
     Graph& graph = impl->graph;
 
@@ -148,7 +156,7 @@ int Renderer::addParameter(const QString& name, const QVariant& value)
     if (index < 0)
         return index;
     impl->parameters.append(value);
-    if (name == staggeredFirstFrameName())
+    if (name == staggeredFirstFrameName)
         impl->staggeredFirstFrame = value.toBool();
     return index;
 }
@@ -196,8 +204,9 @@ void Renderer::setParameter(int index, const QVariant& value)
 {
     if (index < 0 || index >= impl->parameters.size())
         return;
+    const QVector<Port>& rootInputs = tablesOf(impl->graph).node(Graph::kRootNodeRef).inputs;
     // Looked up anew: of several parameters of this name, the first alone counts here.
-    if (index == findParameter(staggeredFirstFrameName()))
+    if (index == findByName(rootInputs, staggeredFirstFrameName))
         impl->staggeredFirstFrame = value.toBool();
     impl->parameters[index] = value;
 }
@@ -254,6 +263,208 @@ int Renderer::getTarget() const
 Graph* Renderer::getGraph()
 {
     return &impl->graph;
+}
+
+// The steps of setup and of a frame
+
+Renderer::Impl::~Impl()
+{
+    for (int i = 0; i < passes.size(); ++i)
+        delete passes.at(i);
+}
+
+/// Takes over a pass and returns its index. A pass that cannot be kept is deleted.
+int Renderer::Impl::addPass(RenderPass* pass)
+{
+    std::unique_ptr<RenderPass> owned(pass);
+    registered.insert(pass);
+    try {
+        appendToBoth(passEnabled, true, passes, pass);
+    } catch (...) {
+        registered.remove(pass);
+        throw;
+    }
+    owned.release();
+    return passes.size() - 1;
+}
+
+void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
+{
+    bool* const flags = visited.data();
+    const int numFlags = visited.size();
+    const auto visit = [flags, numFlags](int ref) {
+        if (static_cast<uint>(ref) >= static_cast<uint>(numFlags) || flags[ref])
+            return false;
+        flags[ref] = true;
+        return true;
+    };
+    if (!visit(node))
+        return;
+
+    // Depth first, with the path on a list of its own: a chain may be longer than the C stack is
+    // deep.
+    struct Step
+    {
+        int node;
+        int nextInput;
+    };
+    const GraphView view(tablesOf(graph));
+    QVarLengthArray<Step, 64> path;
+    path.append({node, 0});
+    while (!path.isEmpty()) {
+        Step& top = path.last();
+        const Node* record = view.node(top.node);
+        if (record && top.nextInput < record->inputs.size()) {
+            const Port& input = firstOf(record->inputs)[top.nextInput++];
+            const int source = view.feedingNode(*record, input, true);
+            if (visit(source))
+                path.append({source, 0});
+        } else {
+            if (enabledPassOf(top.node))
+                executionOrder.append(top.node);
+            path.removeLast();
+        }
+    }
+}
+
+int Renderer::Impl::getActiveOutputUsers(int node, int output, const QVector<bool>& visited)
+{
+    const bool* const flags = visited.constData();
+    const int numFlags = visited.size();
+    const auto isVisited = [flags, numFlags](int ref) {
+        return static_cast<uint>(ref) < static_cast<uint>(numFlags) && flags[ref];
+    };
+    const auto isVisitedOrRoot = [&](int ref) {
+        return isVisited(ref) || ref == Graph::kRootNodeRef;
+    };
+
+    const GraphTables& tables = tablesOf(graph);
+    const QVector<int>& destinations = tables.output(node, output).destinations;
+    const int parent = tables.node(node).parent;
+    int count = 0;
+    for (const int destination : destinations) {
+        const Edge& edge = tables.edge(destination);
+        const int dest = edge.dstNode;
+
+        if (!tables.node(dest).children.isEmpty() && !graph.contains(dest, node)) {
+            // Into a group from outside: its children read through the group's input.
+            for (const int inner : tables.input(dest, edge.dstIndex).destinations)
+                count += isVisited(tables.edge(inner).dstNode);
+        }
+
+        if (dest != parent) {
+            count += isVisitedOrRoot(dest);
+        } else if (parent == Graph::kRootNodeRef) {
+            ++count;
+        } else {
+            // Out of a group: its readers, of whom as many are looked at as this output has edges.
+            const QVector<int>& readers = tables.output(parent, edge.dstIndex).destinations;
+            const int numLookedAt = std::min(readers.size(), destinations.size());
+            for (int i = 0; i < numLookedAt; ++i)
+                count += isVisitedOrRoot(tables.edge(readers.at(i)).dstNode);
+            count += isVisited(parent);
+        }
+    }
+    return count;
+}
+
+Q_ALWAYS_INLINE void Renderer::Impl::setInputs(RenderPass* pass, int node)
+{
+    const GraphTables& tables = tablesOf(graph);
+    const int numInputs = pass->numInputs();
+    for (int i = 0; i < numInputs; ++i) {
+        const GraphView view(tables);
+        const GraphView::Input start = view.input(node, i);
+        const GraphView::Input top = view.climb(start);
+        if (top.node == Graph::kRootNodeRef && start.isFedByParent()) {
+            const QVariant value = parameters.value(top.port);
+            pass->setInput(i, value);
+            continue;
+        }
+        const RenderPass* producer = nullptr;
+        int port = -1;
+        if (view.crosses(top)) {
+            int source = top.source->srcNode;
+            port = top.source->srcIndex;
+            view.walkDown(source, port);
+            producer = enabledPassOf(source);
+        }
+        pass->setInput(i, producer ? producer->output(port) : pass->defaultValue(i));
+    }
+}
+
+void Renderer::Impl::setRenderPassInputs(int node)
+{
+    if (RenderPass* pass = passOf(node))
+        setInputs(pass, node);
+}
+
+bool Renderer::Impl::wasStarted(int node) const
+{
+    const auto index = static_cast<std::size_t>(node);
+    return index < startedFlags.size() && startedFlags[index];
+}
+
+void Renderer::Impl::rememberStarted(int node)
+{
+    const auto index = static_cast<std::size_t>(node);
+    if (index >= startedFlags.size())
+        startedFlags.resize(std::max(index + 1, startedFlags.size() * 2));
+    startedPasses.append(node);
+    startedFlags[index] = true;
+}
+
+bool Renderer::Impl::render(int node, RenderCallbacks* callbacks)
+{
+    RenderPass* pass = passOf(node);
+    if (!pass)
+        return true;
+    setInputs(pass, node);
+    pass->clearErrorCode();
+    pass->beginFrame(callbacks);
+    if (newPassStartedThisFrame) {
+        pass->skip(callbacks);
+    } else {
+        pass->start(callbacks);
+        if (staggeredFirstFrame && !wasStarted(node)) {
+            rememberStarted(node);
+            newPassStartedThisFrame = true;
+        }
+    }
+    ++passesRendered;
+    while (!pass->isFinished())
+        QThread::usleep(100);
+    pass->endFrame(callbacks);
+    return pass->errorCode() == 0;
+}
+
+/// Prefetches what the passes after the one at `position` will need.
+void Renderer::Impl::prefetchPasses(int position) const
+{
+    constexpr int nodeDistance = 8;
+    constexpr int portDistance = 6; // and the pass, which is named by the node
+    constexpr int edgeDistance = 3; // named by the ports
+    if (executionOrder.size() - position <= nodeDistance)
+        return;
+    const GraphView view(tablesOf(graph));
+    const int* next = executionOrder.constData() + position;
+    prefetch(view.node(next[nodeDistance]));
+    prefetch(passOf(next[portDistance]));
+    view.prefetchPorts(next[portDistance]);
+    view.prefetchEdges(next[edgeDistance]);
+}
+
+/// Runs the scheduled passes until one fails. They may change the execution order as they run.
+bool Renderer::Impl::renderAll(RenderCallbacks* callbacks)
+{
+    constexpr int leavingTheCaches = 256; // fewer passes stay in the caches from frame to frame
+    for (int i = 0; i < executionOrder.size(); ++i) {
+        if (executionOrder.size() >= leavingTheCaches)
+            prefetchPasses(i);
+        if (!render(executionOrder.at(i), callbacks))
+            return false;
+    }
+    return true;
 }
 
 } // namespace Orv

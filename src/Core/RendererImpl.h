@@ -6,9 +6,10 @@
 
 #include <Kestrin/Orv/Renderer.h>
 
-#include "GraphImpl.h"
+#include "GraphTables.h"
 
 #include <QtCore/QList>
+#include <QtCore/QSet>
 #include <QtCore/QVector>
 
 #include <vector>
@@ -35,7 +36,8 @@ struct Renderer::Impl
     QVector<int> startedPasses; // node refs, in the order of their first start
     bool newPassStartedThisFrame = false;
     bool staggeredFirstFrame = false;
-    std::vector<bool> startedFlags; // the content of startedPasses, by node ref
+    std::vector<bool> startedFlags;     // the content of startedPasses, by node ref
+    QSet<const RenderPass*> registered; // the content of passes
 
     ~Impl();
 
@@ -62,7 +64,7 @@ struct Renderer::Impl
     /// Runs the pass of `node` in this frame; false when it failed.
     ORV_EXPORT bool render(int node, RenderCallbacks* callbacks);
 
-    void fetchAhead(int position) const;
+    void prefetchPasses(int position) const;
     bool renderAll(RenderCallbacks* callbacks);
     void setInputs(RenderPass* pass, int node);
     bool wasStarted(int node) const;

@@ -4,78 +4,96 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>
 
-#include "GraphImpl.h"
+#include "GraphView.h"
 #include "WalkFrame.h"
+
+#include <QtCore/QBitArray>
+
+#include <algorithm>
+#include <memory>
+#include <new>
 
 namespace Kestrin {
 namespace Orv {
 
+// BottomUpInputWalker
+
 namespace {
 
-/// Frames stand in blocks, so that a step into a node seldom takes memory. The last one of a block is
-/// not used: it lies below itself, which tells it from all others.
-struct FrameBlock
+/// Stands in front of the bytes of BottomUpInputWalker::visited, in the same block.
+struct VisitedHead
 {
-    static constexpr int size = 64;
-    WalkFrame frames[size];
+    int length;               // of `visited`
+    int lengthElsewhere;      // of `elsewhere`
+    unsigned char* elsewhere; // marks by node ref for the nodes beyond `visited`; null until needed
 };
 
-void push(WalkFrame*& stack, int node)
+VisitedHead* headOf(unsigned char* visited)
 {
-    WalkFrame* top = stack ? stack + 1 : nullptr;
-    if (!top || top->below == top) {
-        auto* block = new FrameBlock();
-        WalkFrame* last = block->frames + FrameBlock::size - 1;
-        last->below = last;
-        top = block->frames;
+    return reinterpret_cast<VisitedHead*>(visited) - 1;
+}
+
+unsigned char* newVisited(int length)
+{
+    auto* block = new unsigned char[sizeof(VisitedHead) + static_cast<std::size_t>(length)]();
+    return reinterpret_cast<unsigned char*>(new (block) VisitedHead{length, 0, nullptr} + 1);
+}
+
+void deleteVisited(unsigned char* visited)
+{
+    if (!visited)
+        return;
+    delete[] headOf(visited)->elsewhere;
+    delete[] reinterpret_cast<unsigned char*>(headOf(visited));
+}
+
+/// Marks a node of the graph as reached. False when it was before, or came to the graph only after
+/// the marks.
+bool reach(unsigned char* visited, int node, int numNodes)
+{
+    VisitedHead& head = *headOf(visited);
+    unsigned char* marks = visited;
+    if (node >= head.length) {
+        if (!head.elsewhere) {
+            head.elsewhere = new unsigned char[static_cast<std::size_t>(numNodes)]();
+            head.lengthElsewhere = numNodes;
+        }
+        if (node >= head.lengthElsewhere)
+            return false;
+        marks = head.elsewhere;
     }
-    *top = {node, 0, stack};
-    stack = top;
-}
-
-void popFrom(WalkFrame*& stack)
-{
-    WalkFrame* top = stack;
-    stack = top->below;
-    if (stack != top - 1)
-        delete reinterpret_cast<FrameBlock*>(top); // the first of its block
-}
-
-void popAll(WalkFrame*& stack)
-{
-    while (stack)
-        popFrom(stack);
+    const bool isNew = marks[node] == 0;
+    marks[node] = 1;
+    return isNew;
 }
 
 } // namespace
-
-// BottomUpInputWalker
 
 BottomUpInputWalker::BottomUpInputWalker(const Graph& graphToWalk, int node, bool follow)
     : graph(&graphToWalk)
     , followHierarchy(follow)
     , visited(nullptr)
     , stack(nullptr)
-    , numVisited(0)
 {
     if (node == Graph::kInvalidNodeRef)
         return;
     try {
-        numVisited = graph->numNodes(Graph::kRootNodeRef);
-        visited = new unsigned char[static_cast<std::size_t>(numVisited)]();
-        push(stack, node);
+        visited = newVisited(graph->numNodes(Graph::kRootNodeRef));
+        stack = new WalkFrame{node, 0, nullptr};
         moveNext();
     } catch (...) {
-        popAll(stack);
-        delete[] visited;
+        while (stack)
+            pop();
+        deleteVisited(visited);
         throw;
     }
 }
 
 BottomUpInputWalker::~BottomUpInputWalker()
 {
-    popAll(stack);
-    delete[] visited;
+    while (stack)
+        pop();
+    deleteVisited(visited);
 }
 
 bool BottomUpInputWalker::valid() const
@@ -99,46 +117,90 @@ void BottomUpInputWalker::next()
 void BottomUpInputWalker::moveNext()
 {
     const GraphTables& tables = tablesOf(*graph);
-    const GraphView view = tables.view();
+    const GraphView view(tables);
     while (stack) {
         const Node& node = tables.node(stack->node);
         if (stack->nextIndex >= node.inputs.size())
             return;
         const Port& input = firstOf(node.inputs)[stack->nextIndex++];
-        const Edge* feed = view.feedOf(node, input, followHierarchy);
-        if (!feed)
-            continue;
-        int source = feed->srcNode;
-        unsigned char* mark = markOf(source);
-        if (followHierarchy) {
-            if (mark && !SearchMark(*mark).trace(feed->srcIndex))
-                continue;
-            source = view.producerOf(source, feed->srcIndex);
-            mark = markOf(source);
-        }
-        if (mark && SearchMark(*mark).reach())
-            push(stack, source);
+        const int source = view.feedingNode(node, input, followHierarchy);
+        if (source != Graph::kInvalidNodeRef && reach(visited, source, view.numNodes))
+            stack = new WalkFrame{source, 0, stack};
     }
 }
 
 void BottomUpInputWalker::pop()
 {
-    popFrom(stack);
-}
-
-/// The SearchMark of a node of the graph; null when the node was not there at the start.
-unsigned char* BottomUpInputWalker::markOf(int node)
-{
-    if (node < numVisited)
-        return visited + node;
-    if (visitedElsewhere.isEmpty())
-        visitedElsewhere.fill('\0', graph->numNodesGlobal());
-    return node < visitedElsewhere.size()
-        ? reinterpret_cast<unsigned char*>(visitedElsewhere.data()) + node
-        : nullptr;
+    const std::unique_ptr<WalkFrame> top(stack);
+    stack = top->below;
 }
 
 // BottomUpSubgraphWalker
+
+namespace {
+
+/// A frame of the subgraph walker. The top one holds the marks, if there are any.
+///
+/// On a tree the walk reaches each node once by itself. After a purge the lists of children may name
+/// any nodes. As long as each child met has the node that lists it for its parent, and a higher ref
+/// than that, it was not reached before: it has one parent, which lists it once, and no way down leads
+/// back to a lower ref. The first child that is otherwise makes the walk take marks.
+struct SubgraphFrame : WalkFrame
+{
+    std::unique_ptr<QBitArray> reached; // by node ref; null until needed
+};
+
+bool isTreeEdge(const GraphTables& tables, int parent, int child)
+{
+    return tables.node(child).parent == parent && child > parent;
+}
+
+/// Marks for all nodes that the walk with this top frame, which is about to look at the child before
+/// `nextIndex`, has reached so far.
+std::unique_ptr<QBitArray> markReached(const GraphTables& tables, const SubgraphFrame& top)
+{
+    auto reached = std::make_unique<QBitArray>(tables.nodes.size());
+    const auto mark = [&](int node) {
+        if (node < 0 || node >= reached->size() || reached->testBit(node))
+            return false;
+        reached->setBit(node);
+        return true;
+    };
+    QVector<int> pending; // below them, all has been reached
+    for (const WalkFrame* frame = &top; frame; frame = frame->below) {
+        mark(frame->node);
+        pending += tables.node(frame->node).children.mid(0, frame->nextIndex - 1);
+    }
+    while (!pending.isEmpty()) {
+        const int node = pending.takeLast();
+        if (mark(node))
+            pending += tables.node(node).children;
+    }
+    return reached;
+}
+
+/// Whether the walk is to go down into a child of the top frame's node.
+bool reach(const GraphTables& tables, SubgraphFrame& top, int child)
+{
+    if (!hasIndex(tables.nodes, child))
+        return false;
+    if (!top.reached) {
+        if (isTreeEdge(tables, top.node, child))
+            return true;
+        top.reached = markReached(tables, top);
+    }
+    if (child >= top.reached->size() || top.reached->testBit(child))
+        return false;
+    top.reached->setBit(child);
+    return true;
+}
+
+SubgraphFrame* topOf(WalkFrame* stack)
+{
+    return static_cast<SubgraphFrame*>(stack);
+}
+
+} // namespace
 
 BottomUpSubgraphWalker::BottomUpSubgraphWalker(const Graph& graphToWalk, int node)
     : graph(&graphToWalk)
@@ -147,19 +209,19 @@ BottomUpSubgraphWalker::BottomUpSubgraphWalker(const Graph& graphToWalk, int nod
     if (!graph->isValidNode(node))
         return;
     try {
-        reached.resize(graph->numNodesGlobal());
-        reached.setBit(node);
-        push(stack, node);
+        stack = new SubgraphFrame{{node, 0, nullptr}, nullptr};
         moveNext();
     } catch (...) {
-        popAll(stack);
+        while (stack)
+            pop();
         throw;
     }
 }
 
 BottomUpSubgraphWalker::~BottomUpSubgraphWalker()
 {
-    popAll(stack);
+    while (stack)
+        pop();
 }
 
 bool BottomUpSubgraphWalker::valid() const
@@ -182,18 +244,26 @@ void BottomUpSubgraphWalker::next()
 
 void BottomUpSubgraphWalker::moveNext()
 {
-    while (stack && stack->nextIndex < graph->numNodes(stack->node)) {
-        const int child = graph->getNode(stack->nextIndex++, stack->node);
-        if (child < 0 || child >= reached.size() || reached.testBit(child))
-            continue;
-        reached.setBit(child);
-        push(stack, child);
+    const GraphTables& tables = tablesOf(*graph);
+    while (SubgraphFrame* top = topOf(stack)) {
+        const QVector<int>& children = tables.node(top->node).children;
+        if (top->nextIndex >= children.size())
+            return;
+        const int child = children.at(top->nextIndex++);
+        if (reach(tables, *top, child)) {
+            auto* frame = new SubgraphFrame{{child, 0, stack}, nullptr};
+            frame->reached = std::move(top->reached);
+            stack = frame;
+        }
     }
 }
 
 void BottomUpSubgraphWalker::pop()
 {
-    popFrom(stack);
+    const std::unique_ptr<SubgraphFrame> top(topOf(stack));
+    stack = top->below;
+    if (stack)
+        topOf(stack)->reached = std::move(top->reached);
 }
 
 // BreadthFirstInputWalker
@@ -207,19 +277,15 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     , tail(0)
 {
     const int numNodes = graph->numNodesGlobal();
-    visited = new unsigned char[static_cast<std::size_t>(numNodes)]();
-    try {
-        int* const lengthAndQueue = new int[static_cast<std::size_t>(numNodes) + 2];
-        lengthAndQueue[0] = numNodes;
-        queue = lengthAndQueue + 1;
-    } catch (...) {
-        delete[] visited;
-        throw;
-    }
+    std::unique_ptr<unsigned char[]> marks(new unsigned char[static_cast<std::size_t>(numNodes)]());
+    // One entry more than nodes, and the length of `visited` in front of the queue.
+    queue = new int[static_cast<std::size_t>(numNodes) + 2] + 1;
+    queue[-1] = numNodes;
+    visited = marks.release();
     if (node == Graph::kInvalidNodeRef)
         return;
     if (node >= 0 && node < numNodes)
-        SearchMark(visited[node]).reach();
+        visited[node] = 1;
     queue[tail++] = node;
 }
 
@@ -244,28 +310,20 @@ void BreadthFirstInputWalker::next()
     if (!valid())
         return;
     const GraphTables& tables = tablesOf(*graph);
-    const GraphView view = tables.view();
-    view.fetchAhead(queue + head, tail - head);
+    const GraphView view(tables);
+    view.prefetchInputs(queue + head, tail - head);
     const Node& node = tables.node(queue[head++]);
     const int numNodes = queue[-1];
-    const Port* input = firstOf(node.inputs);
-    const Port* const inputsEnd = input + node.inputs.size();
     int end = tail;
-    for (; input != inputsEnd; ++input) {
-        const Edge* feed = view.feedOf(node, *input, followHierarchy);
-        if (!feed)
+    for (const Port& input : node.inputs) {
+        const int source = view.feedingNode(node, input, followHierarchy);
+        if (source == Graph::kInvalidNodeRef || source >= numNodes)
             continue;
-        int source = feed->srcNode;
-        if (followHierarchy) {
-            if (source < numNodes && !SearchMark(visited[source]).trace(feed->srcIndex))
-                continue;
-            source = view.producerOf(source, feed->srcIndex);
-        }
-        if (source >= numNodes)
-            continue;
-        // Whether a node is new cannot be foretold, so this does not branch on it.
+        // Whether a node is new is unpredictable, so this does not branch on it: a node reached
+        // before is written into the room behind the queue, and left there.
         queue[end] = source;
-        end += SearchMark(visited[source]).reach();
+        end += !visited[source];
+        visited[source] = 1;
     }
     tail = end;
 }

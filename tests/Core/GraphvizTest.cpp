@@ -85,6 +85,20 @@ TEST(Graphviz, WritesAConnectedPairOnce)
     EXPECT_EQ(dump(graph), withLines("  \"a\";\n  \"b\";\n", "  \"a\" -> \"b\";\n"));
 }
 
+TEST(Graphviz, GoesOnAfterAPairThatIsWritten)
+{
+    Graph graph;
+    const int a = addNode(graph, "a");
+    const int b = addNode(graph, "b");
+    const int c = addNode(graph, "c");
+    graph.addEdge(a, 0, b, 0);
+    graph.addEdge(a, 0, b, 1);
+    graph.addEdge(a, 0, c, 0);
+    EXPECT_EQ(
+        dump(graph),
+        withLines("  \"a\";\n  \"b\";\n  \"c\";\n", "  \"a\" -> \"b\";\n  \"a\" -> \"c\";\n"));
+}
+
 TEST(Graphviz, WritesTheRootsChildrenInTheirOrder)
 {
     Graph graph;

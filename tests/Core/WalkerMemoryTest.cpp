@@ -112,10 +112,66 @@ TEST_F(WalkerMemory, IsGivenBackWhereverTheWalkEnds)
 
 TEST_F(WalkerMemory, TheBottomUpInputWalkerHasAByteForEachChildOfTheRoot)
 {
+    constexpr std::size_t head = 2 * sizeof(int) + sizeof(void*); // lengths, and marks elsewhere
     arrays = 0;
-    const BottomUpInputWalker walker(graph, b, false);
+    const BottomUpInputWalker walker(graph, graph.addNode(QString(), 0, 0, inner), false);
     ASSERT_EQ(arrays, 1);
-    EXPECT_EQ(arraySizes[0], 3u);
+    EXPECT_EQ(arraySizes[0], head + 3);
+}
+
+TEST_F(WalkerMemory, TheBottomUpInputWalkerTakesMarksForAllNodesWhenItReachesOneBeyond)
+{
+    const int last = graph.addNode(QString(), 1, 0, Graph::kRootNodeRef);
+    graph.addEdge(graph.addNode(QString(), 0, 1, Graph::kRootNodeRef), 0, last, 0);
+    arrays = 0;
+    const BottomUpInputWalker walker(graph, last, false);
+    ASSERT_EQ(arrays, 2);
+    EXPECT_EQ(arraySizes[1], static_cast<std::size_t>(graph.numNodesGlobal()));
+}
+
+TEST_F(WalkerMemory, TheBottomUpInputWalkerHasAFrameForEachNodeOnThePath)
+{
+    // Marks, frames and, from c on, whose ref is beyond the marks, the marks for all nodes.
+    const int none = blocks;
+    BottomUpInputWalker inputs(graph, b, false);
+    const int onA = blocks - none;
+    inputs.next();
+    const int onC = blocks - none;
+    inputs.next();
+    const int onB = blocks - none;
+    inputs.next();
+    const int atEnd = blocks - none;
+    EXPECT_EQ(onA, 1 + 2);
+    EXPECT_EQ(onC, 1 + 2 + 1);
+    EXPECT_EQ(onB, 1 + 1 + 1);
+    EXPECT_EQ(atEnd, 1 + 0 + 1);
+}
+
+TEST_F(WalkerMemory, TheSubgraphWalkerHasAFrameForEachNodeOnThePathAndNothingElse)
+{
+    const int none = blocks;
+    BottomUpSubgraphWalker subgraph(graph, c);
+    const int onInner = blocks - none;
+    subgraph.next();
+    const int onC = blocks - none;
+    subgraph.next();
+    const int atEnd = blocks - none;
+    EXPECT_EQ(onInner, 2);
+    EXPECT_EQ(onC, 1);
+    EXPECT_EQ(atEnd, 0);
+}
+
+TEST_F(WalkerMemory, TheSubgraphWalkerTakesMarksOnlyWhereChildrenAreNoTree)
+{
+    graph.purge(); // now the root's children are 0, 1, 2
+    const int none = blocks;
+    BottomUpSubgraphWalker walker(graph, Graph::kRootNodeRef);
+    const int onNodeOne = blocks - none;
+    while (walker.valid())
+        walker.next();
+    const int atEnd = blocks - none;
+    EXPECT_GT(onNodeOne, 2) << "two frames, and marks";
+    EXPECT_EQ(atEnd, 0);
 }
 
 TEST_F(WalkerMemory, TheBottomUpInputWalkerTakesNoneForNoNode)

@@ -14,9 +14,13 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <cstddef>
+#include <cstring>
 #include <map>
+#include <new>
 #include <set>
 #include <type_traits>
+#include <utility>
 
 using Kestrin::Orv::BottomUpInputWalker;
 using Kestrin::Orv::BottomUpSubgraphWalker;
@@ -125,6 +129,79 @@ TEST(Walkers, AreNeitherCopiedNorAssignedNorVirtual)
     EXPECT_FALSE(std::is_copy_assignable<BreadthFirstInputWalker>::value);
     EXPECT_FALSE(std::is_polymorphic<BreadthFirstInputWalker>::value);
 }
+
+#if QT_POINTER_SIZE == 8
+namespace {
+
+/// Makes a walker at the start of a buffer of `poison`, walks to its end, and says whether a byte from
+/// `size` on has changed. \return the number of nodes walked; -1 when a byte was touched.
+template<typename Walker, std::size_t size, typename... Arguments>
+int stepsInPoison(int poison, Arguments&&... arguments)
+{
+    alignas(std::max_align_t) std::array<unsigned char, size + 64> buffer;
+    buffer.fill(static_cast<unsigned char>(poison));
+    auto* walker = new (buffer.data()) Walker(std::forward<Arguments>(arguments)...);
+    int steps = 0;
+    for (; walker->valid(); walker->next())
+        ++steps;
+    walker->~Walker();
+    const bool touched = std::any_of(buffer.begin() + size, buffer.end(),
+                                     [poison](unsigned char byte) { return byte != poison; });
+    return touched ? -1 : steps;
+}
+
+} // namespace
+
+// Hosts built against the library have set aside just so much.
+TEST(Walkers, TouchNothingBehindTheirSize)
+{
+    Graph graph;
+    const int group = graph.addNode(QString(), 1, 1, kRoot);
+    const int producer = addPass(graph, group);
+    const int reader = addPass(graph);
+    graph.addUpEdge(0, producer, 0);
+    graph.addEdge(group, 0, reader, 0);
+    for (const int poison : {0x00, 0xa5, 0xff}) {
+        EXPECT_EQ((stepsInPoison<BottomUpInputWalker, 32>(poison, graph, reader, true)), 2);
+        EXPECT_EQ((stepsInPoison<BottomUpSubgraphWalker, 16>(poison, graph, kRoot)), 4);
+        EXPECT_EQ((stepsInPoison<BreadthFirstInputWalker, 40>(poison, graph, reader, true)), 2);
+    }
+    graph.purge();
+    for (const int poison : {0x00, 0xa5, 0xff})
+        EXPECT_EQ((stepsInPoison<BottomUpSubgraphWalker, 16>(poison, graph, kRoot)), 2);
+}
+
+// A host may look at the marks in a debugger, or copy the class's declaration.
+TEST(Walkers, TheirMarksAreZeroOrOne)
+{
+    Graph graph;
+    std::array<int, 4> readers;
+    for (int& reader : readers)
+        reader = addPass(graph);
+    const int group = graph.addNode(QString(), 0, 2, kRoot);
+    for (const int output : {0, 1})
+        graph.addUpEdge(output, addPass(graph, group), 0);
+    for (std::size_t i = 1; i < readers.size(); ++i) {
+        graph.addEdge(readers[i], 0, readers[0], static_cast<int>(i) - 1);
+        graph.addEdge(group, 0, readers[i], 0);
+        graph.addEdge(group, 1, readers[i], 1);
+    }
+    const auto expectFlags = [](const void* walker, int count) {
+        const unsigned char* visited;
+        std::memcpy(&visited, static_cast<const char*>(walker) + 16, sizeof visited);
+        for (int i = 0; i < count; ++i)
+            EXPECT_LE(visited[i], 1) << i;
+    };
+    BottomUpInputWalker bottomUpWalker(graph, readers[0], true);
+    BreadthFirstInputWalker breadthFirstWalker(graph, readers[0], true);
+    while (breadthFirstWalker.valid()) {
+        expectFlags(&bottomUpWalker, graph.numNodes(kRoot));
+        expectFlags(&breadthFirstWalker, graph.numNodesGlobal());
+        bottomUpWalker.next();
+        breadthFirstWalker.next();
+    }
+}
+#endif
 
 TEST(Walkers, ChangeNothingInTheGraph)
 {

@@ -92,6 +92,60 @@ int countNodes(Walker&& walker)
 
 } // namespace
 
+TEST(Growth, WiringAChainFromItsSourceDownIsLinear)
+{
+    expectLinear(50000, [](int size) -> Work {
+        return [size] {
+            Graph graph;
+            int last = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
+            for (int i = 1; i < size; ++i) {
+                const int next = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
+                EXPECT_NE(graph.addEdge(last, 0, next, 0), Graph::kInvalidEdgeRef);
+                last = next;
+            }
+            EXPECT_TRUE(graph.precedes(1, last, true));
+        };
+    });
+}
+
+TEST(Growth, WiringAChainFromItsSinkUpIsLinear)
+{
+    expectLinear(50000, [](int size) -> Work {
+        return [size] {
+            Graph graph;
+            int first = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
+            for (int i = 1; i < size; ++i) {
+                const int next = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
+                EXPECT_NE(graph.addEdge(next, 0, first, 0), Graph::kInvalidEdgeRef);
+                first = next;
+            }
+            EXPECT_TRUE(graph.precedes(first, 1, true));
+        };
+    });
+}
+
+// Each group is wired inside before it joins the chain, so down edges leave it already.
+TEST(Growth, WiringAChainOfFilledGroupsFromItsSourceDownIsLinear)
+{
+    expectLinear(20000, [](int size) -> Work {
+        return [size] {
+            Graph graph;
+            int last = -1;
+            for (int i = 0; i < size; ++i) {
+                const int group = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
+                const int inner = graph.addNode(QString(), 1, 1, group);
+                graph.addDownEdge(0, inner, 0);
+                graph.addUpEdge(0, inner, 0);
+                if (last >= 0) {
+                    EXPECT_NE(graph.addEdge(last, 0, group, 0), Graph::kInvalidEdgeRef);
+                }
+                last = group;
+            }
+            EXPECT_TRUE(graph.precedes(2, last, true));
+        };
+    });
+}
+
 TEST(Growth, RemovingANodeIsLinearInItsDestinations)
 {
     expectLinear(200000, [](int size) -> Work {

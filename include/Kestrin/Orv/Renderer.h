@@ -65,8 +65,10 @@ public:
     virtual void endFrame(RenderCallbacks* callbacks);
 
     /// Registers a pass under \p parent, the root or a group, and takes ownership of it, whatever the
-    /// answer. A pass is registered once. Null makes a node without ports that is never called.
-    /// \return the pass's node ref, or -1 when \p parent is not a valid node.
+    /// answer. Null makes a node without ports that is never called. Constant time.
+    /// \return the pass's node ref, or -1 when \p parent is not a valid node. Also -1, and nothing
+    /// changes, when this renderer owns the pass already: it stays with its first node. A pass that
+    /// another renderer owns must not be registered: both would delete it.
     int addPass(const QString& name, RenderPass* pass, int parent);
     /// Adds a group under \p parent, as Graph::addNode().
     /// \return the group's node ref, or -1 when \p parent is not a valid node.

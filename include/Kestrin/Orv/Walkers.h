@@ -6,8 +6,7 @@
 
 #include <Kestrin/Orv/Export.h>
 
-#include <QtCore/QBitArray>
-#include <QtCore/QByteArray>
+#include <QtCore/qglobal.h>
 
 namespace Kestrin {
 namespace Orv {
@@ -33,8 +32,9 @@ struct WalkFrame;
 /// they feed, inputs in ascending order, the start node last. (Where edges have been wired into a
 /// cycle through the start node, it is yielded a second time.)
 ///
-/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, room for the
-/// nodes on the current path, and one byte per node of the graph when nested nodes are reached.
+/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, a frame for each
+/// node on the current path, and one byte per node of the graph when the walk reaches a node whose
+/// ref is not below the number of the root's children.
 class ORV_EXPORT BottomUpInputWalker
 {
 public:
@@ -54,14 +54,12 @@ public:
 private:
     void moveNext();
     void pop();
-    ORV_NO_EXPORT unsigned char* markOf(int node);
 
     const Graph* graph;
     bool followHierarchy;
-    unsigned char* visited; // by node ref, for the refs below the number of the root's children
-    WalkFrame* stack;
-    int numVisited;              // length of `visited`
-    QByteArray visitedElsewhere; // by node ref, for the refs beyond `visited`; empty until needed
+    unsigned char*
+        visited;      // 0 or 1 by node ref, for the refs below the number of the root's children
+    WalkFrame* stack; // the top frame; null at the end
 };
 
 /// Visits the subtree of a start node: children before their parent and in their order, the start
@@ -69,8 +67,8 @@ private:
 /// but still listed are yielded like any other. Where the lists of children are no tree any more (see
 /// Graph::purge()), each node is yielded once.
 ///
-/// Linear in the nodes reached. Allocates one bit per node of the graph and room for the nodes on the
-/// current path.
+/// Linear in the nodes reached. Allocates a frame for each node on the current path and, where the
+/// lists of children are no tree any more, one bit per node of the graph.
 class ORV_EXPORT BottomUpSubgraphWalker
 {
 public:
@@ -92,8 +90,7 @@ private:
     void pop();
 
     const Graph* graph;
-    WalkFrame* stack;
-    QBitArray reached; // by node ref
+    WalkFrame* stack; // the top frame; null at the end
 };
 
 /// Visits a start node and then all nodes that feed it, directly or not: each once, level by level,
@@ -119,7 +116,7 @@ public:
 private:
     const Graph* graph;
     bool followHierarchy;
-    unsigned char* visited; // by node ref
+    unsigned char* visited; // 0 or 1 by node ref
     int* queue;             // preceded by the length of `visited`
     int head;
     int tail;

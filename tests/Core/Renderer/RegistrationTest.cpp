@@ -453,6 +453,41 @@ TEST(PassOwnership, NullPassesArePassedOver)
     EXPECT_EQ(log.take(), "A.delete B.delete");
 }
 
+TEST(PassOwnership, ARegisteredPassIsRefusedASecondTime)
+{
+    CallLog log;
+    {
+        Renderer renderer;
+        auto* pass = new RecordingPass(log, "A", 1, 1);
+        const int node = renderer.addPass(QStringLiteral("first"), pass, 0);
+        log.take();
+        EXPECT_EQ(renderer.addPass(QStringLiteral("again"), pass, 0), -1);
+        EXPECT_EQ(log.take(), "") << "it is not even asked for its ports";
+        EXPECT_EQ(renderer.getGraph()->numNodesGlobal(), 2);
+        EXPECT_EQ(renderer.findPass(QStringLiteral("again")), -1);
+        EXPECT_EQ(renderer.renderPass(node), pass);
+
+        auto* next = new RecordingPass(log, "B", 0, 0);
+        const int nextNode = renderer.addPass(QString(), next, 0);
+        EXPECT_EQ(renderer.getGraph()->nodeValue(nextNode), 1) << "no pass index was used up";
+        log.take();
+    }
+    EXPECT_EQ(log.take(), "A.delete B.delete");
+}
+
+TEST(PassOwnership, ARegisteredPassIsRefusedAlsoWhenItHasNoNode)
+{
+    CallLog log;
+    {
+        Renderer renderer;
+        auto* pass = new RecordingPass(log, "A", 0, 0);
+        EXPECT_EQ(renderer.addPass(QString(), pass, 17), -1) << "there is no node 17";
+        EXPECT_EQ(renderer.addPass(QString(), pass, 0), -1);
+        log.take();
+    }
+    EXPECT_EQ(log.take(), "A.delete");
+}
+
 TEST(PassOwnership, GraphOutlivesThePasses)
 {
     CallLog log;
