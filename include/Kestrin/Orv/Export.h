@@ -4,6 +4,8 @@
 #ifndef KESTRIN_ORV_EXPORT_H
 #define KESTRIN_ORV_EXPORT_H
 
+#include <Kestrin/Orv/QtVersion.h>
+
 /// ORV_EXPORT marks what libOrvCore exports, ORV_NO_EXPORT what an exported class keeps to the
 /// library; everything else is hidden anyway. Both are empty in a static build, which defines
 /// ORV_CORE_STATIC for itself and its users.

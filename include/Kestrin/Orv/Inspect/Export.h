@@ -4,6 +4,8 @@
 #ifndef KESTRIN_ORV_INSPECT_EXPORT_H
 #define KESTRIN_ORV_INSPECT_EXPORT_H
 
+#include <Kestrin/Orv/QtVersion.h>
+
 /// ORV_INSPECT_EXPORT marks what libOrvInspect exports; everything else is hidden. It is empty in a
 /// static build, which defines ORV_CORE_STATIC for itself and its users.
 #if defined(ORV_CORE_STATIC)
