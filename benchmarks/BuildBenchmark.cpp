@@ -97,8 +97,8 @@ const bool registered = [] {
         addRows("layered", size, Order::SinkFirst, layers);
     for (const int size : {200, 2000})
         addRows("layered", size, Order::SourceFirst, layers);
-    // Each connection searches thousands of nodes, which takes minutes: scripts/bench leaves it
-    // out.
+    // The peers search thousands of nodes for each connection, which takes minutes: scripts/bench
+    // leaves it out.
     addRows("layered", 20000, Order::SourceFirst, layers, true);
     for (const int size : {100, 1000, 10000}) {
         addRows("chain", size, Order::SinkFirst, chain);

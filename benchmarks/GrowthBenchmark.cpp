@@ -12,7 +12,8 @@
 
 #include <memory>
 
-// How the cost grows from a hundred nodes to a million. The shape is a chain, built sink first.
+// How the cost grows from a hundred nodes to a million. The shape is a chain, built sink first. The
+// library also builds it source first, which takes the peers the square of the length.
 
 using namespace OrvBench;
 using Kestrin::Orv::Graph;
@@ -63,6 +64,18 @@ const Shape& shapeOf(int size)
     static Cache<Shape> shapes;
     return shapes.get(std::to_string(size),
                       [size] { return std::make_unique<Shape>(chain(size, Order::SinkFirst)); });
+}
+
+const Shape& sourceFirst(int size)
+{
+    static Cache<Shape> shapes;
+    return shapes.get(std::to_string(size), [size] {
+        auto shape = std::make_unique<Shape>(chain(size, Order::SourceFirst));
+        const std::unique_ptr<Graph> graph = buildGraph(*shape);
+        requireSame(graph->precedes(1, size, true), "precedes, built source first");
+        requireSame(!graph->precedes(size, 1, true), "not precedes, built source first");
+        return shape;
+    });
 }
 
 struct Graphs
@@ -136,6 +149,10 @@ void addRows(int size)
     addBuild("orv", buildGraph);
     addBuild("boost", [](const Shape& shape) { return std::make_unique<PortGraph>(shape); });
     addBuild("flat", [](const Shape& shape) { return std::make_unique<FlatGraph>(shape); });
+    add("build, source first", "orv", size, [size](benchmark::State& state) {
+        const Shape& shape = sourceFirst(size);
+        timeBuild(state, [&] { return buildGraph(shape); });
+    });
 
     const auto addQuery = [size](const char* subject, auto query) {
         add("query", subject, size, [=](benchmark::State& state) {
