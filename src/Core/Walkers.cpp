@@ -141,53 +141,26 @@ namespace {
 
 /// A frame of the subgraph walker. The top one holds the marks, if there are any.
 ///
-/// On a tree the walk reaches each node once by itself. After a purge the lists of children may name
-/// any nodes. As long as each child met has the node that lists it for its parent, and a higher ref
-/// than that, it was not reached before: it has one parent, which lists it once, and no way down leads
-/// back to a lower ref. The first child that is otherwise makes the walk take marks.
+/// On a tree the walk reaches each node once by itself. After a purge a list of children begins with
+/// the refs 0, 1, 2 and so on, whatever these nodes are, and may lead back to nodes above it. Such a
+/// list shows by its first entry in the table, a ref that is not higher than the node's own: a list
+/// that only addNode() has filled holds higher refs. A node below a node of the second kind is of that
+/// kind, too. So the first node alone decides, and nothing but it has been reached by then.
 struct SubgraphFrame : WalkFrame
 {
-    std::unique_ptr<QBitArray> reached; // by node ref; null until needed
+    std::unique_ptr<QBitArray> reached; // by node ref; null on a tree
 };
 
-bool isTreeEdge(const GraphTables& tables, int parent, int child)
-{
-    return tables.node(child).parent == parent && child > parent;
-}
-
-/// Marks for all nodes that the walk with this top frame, which is about to look at the child before
-/// `nextIndex`, has reached so far.
-std::unique_ptr<QBitArray> markReached(const GraphTables& tables, const SubgraphFrame& top)
-{
-    auto reached = std::make_unique<QBitArray>(tables.nodes.size());
-    const auto mark = [&](int node) {
-        if (node < 0 || node >= reached->size() || reached->testBit(node))
-            return false;
-        reached->setBit(node);
-        return true;
-    };
-    QVector<int> pending; // below them, all has been reached
-    for (const WalkFrame* frame = &top; frame; frame = frame->below) {
-        mark(frame->node);
-        pending += tables.node(frame->node).children.mid(0, frame->nextIndex - 1);
-    }
-    while (!pending.isEmpty()) {
-        const int node = pending.takeLast();
-        if (mark(node))
-            pending += tables.node(node).children;
-    }
-    return reached;
-}
-
 /// Whether the walk is to go down into a child of the top frame's node.
-bool reach(const GraphTables& tables, SubgraphFrame& top, int child)
+bool reach(SubgraphFrame& top, int child, int numNodes)
 {
-    if (!hasIndex(tables.nodes, child))
+    if (child < 0 || child >= numNodes)
         return false;
     if (!top.reached) {
-        if (isTreeEdge(tables, top.node, child))
+        if (child > top.node)
             return true;
-        top.reached = markReached(tables, top);
+        top.reached = std::make_unique<QBitArray>(numNodes);
+        top.reached->setBit(top.node);
     }
     if (child >= top.reached->size() || top.reached->testBit(child))
         return false;
@@ -250,7 +223,7 @@ void BottomUpSubgraphWalker::moveNext()
         if (top->nextIndex >= children.size())
             return;
         const int child = children.at(top->nextIndex++);
-        if (reach(tables, *top, child)) {
+        if (reach(*top, child, tables.nodes.size())) {
             auto* frame = new SubgraphFrame{{child, 0, stack}, nullptr};
             frame->reached = std::move(top->reached);
             stack = frame;

@@ -397,6 +397,22 @@ TEST(BottomUpInputWalker, YieldsEachNodeOnceWhereRefsLieOnBothSidesOfTheRootsChi
     EXPECT_EQ(bottomUp(graph, last, true), (Refs{inner[0], inner[1], inner[4], inner[5], last}));
 }
 
+// A host must not edit the graph meanwhile; if it does, the walk stays inside what it knows.
+TEST(BottomUpInputWalker, DoesNotReachNodesThatAreAddedMeanwhile)
+{
+    Graph graph;
+    const int sink = addPass(graph);
+    const int group = graph.addNode(QString(), 0, 2, kRoot);
+    graph.addUpEdge(0, addPass(graph, group), 0);
+    graph.addEdge(group, 0, sink, 0);
+    BottomUpInputWalker walker(graph, sink, true); // has marks for the four nodes now
+    for (int i = 0; i < 100; ++i)
+        addPass(graph, group);
+    graph.addUpEdge(1, graph.numNodesGlobal() - 1, 0);
+    graph.addEdge(group, 1, sink, 1);
+    EXPECT_EQ(walk(walker), (Refs{3, sink}));
+}
+
 TEST(BottomUpInputWalker, MayBeDestroyedAtAnyNode)
 {
     const Group sample;
@@ -508,6 +524,19 @@ TEST(BreadthFirstInputWalker, StaysAtItsEnd)
     }
 }
 
+TEST(BreadthFirstInputWalker, DoesNotReachNodesThatAreAddedMeanwhile)
+{
+    Graph graph;
+    const int sink = addPass(graph);
+    const int source = addPass(graph);
+    graph.addEdge(source, 0, sink, 0);
+    BreadthFirstInputWalker walker(graph, sink, true);
+    for (int i = 0; i < 100; ++i)
+        addPass(graph);
+    graph.addEdge(graph.numNodesGlobal() - 1, 0, sink, 1);
+    EXPECT_EQ(walk(walker), (Refs{sink, source}));
+}
+
 TEST(BreadthFirstInputWalker, HoldsEveryNodeOfTheGraph)
 {
     const int count = 300;
@@ -602,6 +631,18 @@ TEST(BottomUpSubgraphWalker, MayBeDestroyedAtAnyNode)
             walker.next();
         EXPECT_EQ(walker.valid(), steps < 6);
     }
+}
+
+TEST(BottomUpSubgraphWalker, DoesNotReachNodesThatAreAddedMeanwhileWhereChildrenAreNoTree)
+{
+    Graph graph;
+    const int group = graph.addNode(QString(), 0, 0, kRoot);
+    addPass(graph, group);
+    graph.purge(); // the root lists itself, and so does the group
+    BottomUpSubgraphWalker walker(graph, kRoot);
+    for (int i = 0; i < 100; ++i)
+        addPass(graph);
+    EXPECT_EQ(walk(walker), Refs{kRoot});
 }
 
 TEST(BottomUpSubgraphWalker, DepthIsNoLimit)

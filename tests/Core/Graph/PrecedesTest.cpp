@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 using Kestrin::Orv::Graph;
 
@@ -278,4 +279,29 @@ TEST(GraphPrecedes, ACycleIsSearchedAllAround)
     EXPECT_TRUE(graph.precedes(x, b, true));
     EXPECT_TRUE(graph.precedes(g, b, false));
     EXPECT_TRUE(graph.precedes(b, g, false));
+}
+
+// A search remembers of a group which output it traced last, in few bits.
+TEST(GraphPrecedes, FindsTheProducerOfEachOfManyOutputsOfAGroup)
+{
+    constexpr int numOutputs = 300;
+    Graph graph;
+    const int group = graph.addNode(QString(), 0, numOutputs, Graph::kRootNodeRef);
+    const int reader = graph.addNode(QString(), 2, 0, Graph::kRootNodeRef);
+    std::vector<int> producers;
+    for (int output = 0; output < numOutputs; ++output) {
+        producers.push_back(graph.addNode(QString(), 0, 1, group));
+        graph.addUpEdge(output, producers.back(), 0);
+    }
+    for (const int first : {0, 126, 127, 128, 255, 256, 299}) {
+        for (int second = 0; second < numOutputs; ++second) {
+            graph.disconnectInput(reader, 0);
+            graph.disconnectInput(reader, 1);
+            graph.addEdge(group, first, reader, 0);
+            graph.addEdge(group, second, reader, 1);
+            EXPECT_TRUE(graph.precedes(producers[static_cast<std::size_t>(first)], reader, true));
+            EXPECT_TRUE(graph.precedes(producers[static_cast<std::size_t>(second)], reader, true))
+                << "output " << second << " after output " << first;
+        }
+    }
 }

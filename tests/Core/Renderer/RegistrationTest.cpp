@@ -444,9 +444,9 @@ TEST(PassOwnership, NullPassesArePassedOver)
     CallLog log;
     {
         Renderer renderer;
-        renderer.addPass(QString(), nullptr, 0);
+        EXPECT_EQ(renderer.addPass(QString(), nullptr, 0), 1);
         renderer.addPass(QString(), new RecordingPass(log, "A", 0, 0), 0);
-        renderer.addPass(QString(), nullptr, 0);
+        EXPECT_EQ(renderer.addPass(QString(), nullptr, 0), 3) << "null is no pass twice";
         renderer.addPass(QString(), new RecordingPass(log, "B", 0, 0), 0);
         log.take();
     }
