@@ -3,6 +3,7 @@
 
 # Warnings, sanitizers and coverage for a target of this project.
 function(orv_compile_options target)
+  target_compile_features(${target} PRIVATE cxx_std_17)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
   if(ORV_WERROR)
     target_compile_options(${target} PRIVATE -Werror)

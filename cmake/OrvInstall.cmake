@@ -32,7 +32,8 @@ function(orv_install_library library pkgConfigName runtime development)
   install(TARGETS ${library} EXPORT ${library}Targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
       COMPONENT ${runtime} NAMELINK_COMPONENT ${development}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${development})
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${development}
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   install(EXPORT ${library}Targets NAMESPACE Orv::
     DESTINATION ${cmakeDir} COMPONENT ${development})
 
