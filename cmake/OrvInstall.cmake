@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 
 # Installs the libraries, their headers, a CMake package and a pkg-config file each, as components:
-# what programs run with and what they are built with.
+# what programs run with and what they are built with. Each component needs no more than its own target
+# built.
 
 include(CMakePackageConfigHelpers)
 
@@ -58,4 +59,10 @@ if(TARGET OrvInspect)
   orv_install_library(OrvInspect orv-inspect inspectRuntime inspectDevelopment)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/Kestrin/Orv/Inspect
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Kestrin/Orv COMPONENT inspectDevelopment)
+endif()
+
+# What the target docs has made, if it has.
+if(TARGET docs)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
+    DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/orv-doc COMPONENT doc OPTIONAL)
 endif()

@@ -12,7 +12,7 @@ build_packages=(
     graphviz
 )
 package_packages=(
-    dpkg-dev file
+    cmake ninja-build g++ qtbase5-dev dpkg-dev file doxygen doxygen-awesome-css graphviz
 )
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen

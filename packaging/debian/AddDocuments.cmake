@@ -3,23 +3,44 @@
 
 # Run by CPack over the staged files: adds what only a Debian package carries.
 set(here ${CMAKE_CURRENT_LIST_DIR})
+set(source ${CPACK_ORV_SOURCE_DIR})
+
+# run COMMAND...
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE failed)
+  if(failed)
+    message(FATAL_ERROR "${ARGV0} failed: ${failed}")
+  endif()
+endfunction()
+
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
   set(share ${CPACK_TEMPORARY_DIRECTORY}/${component}/usr/share)
+  set(doc ${share}/doc/${package})
 
-  configure_file(${here}/copyright ${share}/doc/${package}/copyright COPYONLY)
-  execute_process(COMMAND gzip -9cn ${here}/changelog
-    OUTPUT_FILE ${share}/doc/${package}/changelog.Debian.gz RESULT_VARIABLE failed)
-  if(failed)
-    message(FATAL_ERROR "gzip failed: ${failed}")
-  endif()
+  configure_file(${here}/copyright ${doc}/copyright COPYONLY)
+  configure_file(${here}/changelog ${doc}/changelog.Debian COPYONLY)
+  configure_file(${source}/CHANGELOG.md ${doc}/changelog COPYONLY)
+  run(gzip -9n ${doc}/changelog.Debian ${doc}/changelog)
   file(GLOB manPages ${share}/man/man*/*.[1-9])
-  foreach(page IN LISTS manPages)
-    execute_process(COMMAND gzip -9n ${page} RESULT_VARIABLE failed)
-    if(failed)
-      message(FATAL_ERROR "gzip failed: ${failed}")
-    endif()
-  endforeach()
+  if(manPages)
+    run(gzip -9n ${manPages})
+  endif()
   configure_file(${here}/${package}.lintian-overrides ${share}/lintian/overrides/${package} COPYONLY)
+
+  # The documents lie as they do in the source tree, so that their links lead to what they name.
+  if(package STREQUAL liborvcore-dev)
+    file(GLOB pages ${source}/docs/*.md ${source}/docs/*.json)
+    file(COPY ${source}/README.md ${source}/CONTRIBUTING.md ${source}/CHANGELOG.md DESTINATION ${doc})
+    file(COPY ${pages} DESTINATION ${doc}/docs)
+    file(COPY ${source}/docs/images DESTINATION ${doc}/docs PATTERN *.dot EXCLUDE)
+    file(COPY ${source}/docs/benchmarks DESTINATION ${doc}/docs)
+    file(COPY ${source}/examples/quickstart ${source}/examples/tutorial ${source}/examples/gallery
+      DESTINATION ${doc}/examples)
+  elseif(package STREQUAL liborvinspect-dev)
+    file(CREATE_LINK ../liborvcore-dev/docs ${doc}/docs SYMBOLIC)
+  elseif(package STREQUAL orv-doc AND NOT EXISTS ${doc}/html/index.html)
+    message(FATAL_ERROR "There are no documents to package: build the target docs first")
+  endif()
 endforeach()
