@@ -53,14 +53,14 @@ QString mismatch(const RenderPass& pass, const NodeRecord& node)
     const auto compare = [](const char* kind, int number, const QVector<PortRecord>& ports,
                             const std::function<QString(int)>& nameOf) {
         if (number != ports.size())
-            return QStringLiteral("the pass has ") + QString::number(number) + QLatin1String(kind)
-                + QStringLiteral("s, not ") + QString::number(ports.size());
+            return QLatin1String("the pass has ") + QString::number(number) + QLatin1String(kind)
+                + QLatin1String("s, not ") + QString::number(ports.size());
         for (int i = 0; i < number; ++i) {
             const QString name = nameOf(i);
             if (name != ports.at(i).name)
-                return QStringLiteral("the pass's") + QLatin1String(kind) + QLatin1Char(' ')
-                    + QString::number(i) + QStringLiteral(" is called \"") + Paths::escaped(name)
-                    + QStringLiteral("\", not \"") + Paths::escaped(ports.at(i).name)
+                return QLatin1String("the pass's") + QLatin1String(kind) + QLatin1Char(' ')
+                    + QString::number(i) + QLatin1String(" is called \"") + Paths::escaped(name)
+                    + QLatin1String("\", not \"") + Paths::escaped(ports.at(i).name)
                     + QLatin1Char('"');
         }
         return QString();
@@ -105,8 +105,8 @@ public:
         }
         makePasses();
         if (!holdsOnlyItsRoot(renderer))
-            report(QStringLiteral("renderer-not-empty"),
-                   QStringLiteral("the renderer holds something already"), Place());
+            report(QLatin1String("renderer-not-empty"),
+                   QLatin1String("the renderer holds something already"), Place());
         if (problems.isEmpty())
             build(renderer);
         return problems;
@@ -143,23 +143,23 @@ void Building::makePasses()
         const PassFactory::Maker maker = factory.maker(node.type);
         if (!maker) {
             unknownTypes.insert(node.type);
-            report(QStringLiteral("unknown-type"),
-                   paths.node(ref) + QStringLiteral(": nothing makes passes of type \"")
+            report(QLatin1String("unknown-type"),
+                   paths.node(ref) + QLatin1String(": nothing makes passes of type \"")
                        + Paths::escaped(node.type) + QLatin1Char('"'),
                    place);
             continue;
         }
         RenderPass* const pass = maker(node);
         if (!pass) {
-            report(QStringLiteral("no-pass"),
-                   paths.node(ref) + QStringLiteral(": no pass of type \"")
-                       + Paths::escaped(node.type) + QStringLiteral("\" was made"),
+            report(QLatin1String("no-pass"),
+                   paths.node(ref) + QLatin1String(": no pass of type \"")
+                       + Paths::escaped(node.type) + QLatin1String("\" was made"),
                    place);
             continue;
         }
         if (made.contains(pass)) {
-            report(QStringLiteral("shared-pass"),
-                   paths.node(ref) + QStringLiteral(": its pass was made for another node before"),
+            report(QLatin1String("shared-pass"),
+                   paths.node(ref) + QLatin1String(": its pass was made for another node before"),
                    place);
             continue;
         }
@@ -167,7 +167,7 @@ void Building::makePasses()
         passes[static_cast<std::size_t>(ref)].reset(pass);
         const QString wrong = mismatch(*pass, node);
         if (!wrong.isEmpty())
-            report(QStringLiteral("wrong-ports"), paths.node(ref) + QStringLiteral(": ") + wrong,
+            report(QLatin1String("wrong-ports"), paths.node(ref) + QLatin1String(": ") + wrong,
                    place);
     }
 }

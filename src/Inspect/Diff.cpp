@@ -82,7 +82,7 @@ QString oneLine(const QString& text)
 /// A name alone, as in paths.
 QString nameText(const QString& name)
 {
-    return name.isEmpty() ? QStringLiteral("[unnamed]") : Paths::escaped(name);
+    return name.isEmpty() ? QLatin1String("[unnamed]") : Paths::escaped(name);
 }
 
 // Values
@@ -133,9 +133,9 @@ template<typename Number>
 QString shortest(Number number, int maxDigits)
 {
     if (std::isnan(number))
-        return QStringLiteral("nan");
+        return QLatin1String("nan");
     if (number == 0)
-        return std::signbit(number) ? QStringLiteral("-0") : QStringLiteral("0");
+        return std::signbit(number) ? QLatin1String("-0") : QLatin1String("0");
     for (int digits = 6; digits < maxDigits; ++digits) {
         QString text = QString::number(static_cast<double>(number), 'g', digits);
         if (static_cast<Number>(text.toDouble()) == number)
@@ -172,7 +172,7 @@ QString plainText(const QVariant& value)
 QString valueText(const QVariant& value)
 {
     if (!value.isValid())
-        return QStringLiteral("invalid");
+        return QLatin1String("invalid");
     if (isForeign(value)) {
         const auto foreign = value.value<ForeignValue>();
         return oneLine(foreign.type) + QLatin1Char(' ')
@@ -775,8 +775,8 @@ private:
     static QString kindText(const NodeRecord& node)
     {
         if (!node.pass)
-            return QStringLiteral("group");
-        return node.type.isEmpty() ? QStringLiteral("pass")
+            return QLatin1String("group");
+        return node.type.isEmpty() ? QLatin1String("pass")
                                    : QLatin1String("pass of type ") + oneLine(node.type);
     }
 
@@ -791,7 +791,7 @@ private:
 
     static QString targetText(const Side& side, int node)
     {
-        return node == 0 ? QStringLiteral("[root]") : side.paths.node(node);
+        return node == 0 ? QLatin1String("[root]") : side.paths.node(node);
     }
 
     void compareNodes(int older, int newer)
@@ -816,7 +816,7 @@ private:
 
     static QString enabledText(const NodeRecord& node)
     {
-        return node.enabled ? QStringLiteral("enabled") : QStringLiteral("disabled");
+        return node.enabled ? QLatin1String("enabled") : QLatin1String("disabled");
     }
 
     static QString namesText(const QVector<QString>& names)
@@ -888,7 +888,7 @@ private:
             return valueText(side.snapshot.parameters.value(port.index));
         if (feeder.node >= 0)
             return QLatin1String("fed by ") + side.paths.port(feeder);
-        return QStringLiteral("unfed");
+        return QLatin1String("unfed");
     }
 
     void comparePort(const PortRef& older, const PortRef& newer)
@@ -972,7 +972,7 @@ QVector<Change> diff(const Snapshot& before, const Snapshot& after)
 QString toText(const QVector<Change>& changes)
 {
     const auto shown = [](const QString& text) {
-        return text.isEmpty() ? QStringLiteral("nothing") : text;
+        return text.isEmpty() ? QLatin1String("nothing") : text;
     };
     QString text;
     for (const Change& change : changes) {
@@ -989,10 +989,10 @@ QJsonArray toJson(const QVector<Change>& changes)
 {
     QJsonArray array;
     for (const Change& change : changes) {
-        array.append(QJsonObject{{QStringLiteral("code"), change.code},
-                                 {QStringLiteral("path"), change.path},
-                                 {QStringLiteral("before"), change.before},
-                                 {QStringLiteral("after"), change.after}});
+        array.append(QJsonObject{{QLatin1String("code"), change.code},
+                                 {QLatin1String("path"), change.path},
+                                 {QLatin1String("before"), change.before},
+                                 {QLatin1String("after"), change.after}});
     }
     return array;
 }

@@ -158,21 +158,21 @@ QString DocumentReader::kindName(int item) const
 {
     switch (text.kind(item)) {
     case JsonText::Object:
-        return QStringLiteral("an object");
+        return QLatin1String("an object");
     case JsonText::Array:
-        return QStringLiteral("a list");
+        return QLatin1String("a list");
     case JsonText::String:
-        return QStringLiteral("a string");
+        return QLatin1String("a string");
     case JsonText::Number:
-        return QStringLiteral("a number");
+        return QLatin1String("a number");
     case JsonText::True:
-        return QStringLiteral("true");
+        return QLatin1String("true");
     case JsonText::False:
-        return QStringLiteral("false");
+        return QLatin1String("false");
     case JsonText::Null:
         break;
     }
-    return QStringLiteral("null");
+    return QLatin1String("null");
 }
 
 bool DocumentReader::expect(int item, JsonText::Kind kind, const char* what)
@@ -219,8 +219,8 @@ void DocumentReader::readMembers(int object, Members& members)
             for (const Member& m : members)
                 known.append(m.key);
             report(key, "unknown-key",
-                   QStringLiteral("there is no key ") + quoted(name)
-                       + QStringLiteral(" here, only ") + known.join(QStringLiteral(", ")));
+                   QLatin1String("there is no key ") + quoted(name)
+                       + QLatin1String(" here, only ") + known.join(QLatin1String(", ")));
         } else if (member->value < 0) {
             member->value = key + 1;
         }
@@ -239,7 +239,7 @@ int DocumentReader::memberOf(const Members& members, const char* key)
 void DocumentReader::requireMember(int object, const char* key)
 {
     report(object, "missing-key",
-           QStringLiteral("the key ") + quoted(QLatin1String(key)) + QStringLiteral(" is missing"));
+           QLatin1String("the key ") + quoted(QLatin1String(key)) + QLatin1String(" is missing"));
 }
 
 template<typename Read>
@@ -266,8 +266,8 @@ void DocumentReader::reportDuplicateKeys()
             const QString name = text.string(key);
             if (keys.contains(name))
                 report(key, "duplicate-key",
-                       QStringLiteral("the key ") + quoted(name)
-                           + QStringLiteral(" is here already"));
+                       QLatin1String("the key ") + quoted(name)
+                           + QLatin1String(" is here already"));
             keys.insert(name);
         }
     }
@@ -282,11 +282,11 @@ bool DocumentReader::readHeader(const Members& members)
         requireMember(0, "format");
     else if (text.kind(format) != JsonText::String
              || text.string(format) != QLatin1String("orv-graph"))
-        report(format, "unknown-format", QStringLiteral("the format is not \"orv-graph\""));
+        report(format, "unknown-format", QLatin1String("the format is not \"orv-graph\""));
     if (version < 0)
         requireMember(0, "version");
     else if (text.kind(version) != JsonText::Number || text.value(version).toDouble() != 1)
-        report(version, "unknown-version", QStringLiteral("the version is not 1"));
+        report(version, "unknown-version", QLatin1String("the version is not 1"));
     return found.empty();
 }
 
@@ -319,7 +319,7 @@ void DocumentReader::readGroup(int item, PortRecord& port)
     QString name;
     if (text.kind(item) != JsonText::String) {
         report(item, "wrong-type",
-               QStringLiteral("a group must be a string or a number, not ") + kindName(item));
+               QLatin1String("a group must be a string or a number, not ") + kindName(item));
         return;
     }
     name = text.string(item);
@@ -328,10 +328,10 @@ void DocumentReader::readGroup(int item, PortRecord& port)
         port.group = groups.first();
     else if (groups.size() > 1)
         report(item, "ambiguous-group",
-               QStringLiteral("several groups are called ") + quoted(name)
-                   + QStringLiteral(": give its number"));
+               QLatin1String("several groups are called ") + quoted(name)
+                   + QLatin1String(": give its number"));
     else if (groupsComplete)
-        report(item, "unknown-group", QStringLiteral("there is no group ") + quoted(name));
+        report(item, "unknown-group", QLatin1String("there is no group ") + quoted(name));
 }
 
 /// Of the keys "type" and "value"; an invalid value if neither is there.
@@ -360,7 +360,7 @@ QVariant DocumentReader::readValueOf(int object, const Members& members, int dep
             return text.kind(item) == JsonText::True;
         default:
             report(item, "missing-type",
-                   QStringLiteral("only strings, true and false need no \"type\""));
+                   QLatin1String("only strings, true and false need no \"type\""));
             valid = false;
             return QVariant();
         }
@@ -374,7 +374,7 @@ QVariant DocumentReader::readValueItem(const QString& type, int item, int depth,
     if (!isMap && !isValueList(type)) {
         QVariant value;
         if (!readValue(type, text.value(item), types, value)) {
-            report(item, "wrong-value", QStringLiteral("this is no value of type ") + quoted(type));
+            report(item, "wrong-value", QLatin1String("this is no value of type ") + quoted(type));
             valid = false;
         }
         return value;
@@ -382,7 +382,7 @@ QVariant DocumentReader::readValueItem(const QString& type, int item, int depth,
 
     if (depth >= kMaxValueDepth) {
         report(item, "too-deep",
-               QStringLiteral("lists are nested deeper than ") + QString::number(kMaxValueDepth));
+               QLatin1String("lists are nested deeper than ") + QString::number(kMaxValueDepth));
         valid = false;
         return QVariant();
     }
@@ -422,7 +422,7 @@ bool DocumentReader::readPort(int item, const char* what, const NodeRecord* inpu
     }
     if (text.kind(item) != JsonText::Object) {
         report(item, "wrong-type",
-               QLatin1String(what) + QStringLiteral(" must be a string or an object, not ")
+               QLatin1String(what) + QLatin1String(" must be a string or an object, not ")
                    + kindName(item));
         return false;
     }
@@ -435,7 +435,7 @@ bool DocumentReader::readPort(int item, const char* what, const NodeRecord* inpu
     const int standard = inputOf ? memberOf(members, "default") : -1;
     if (standard >= 0 && !inputOf->pass) {
         report(standard, "misplaced-key",
-               QStringLiteral("only inputs of passes have a default value"));
+               QLatin1String("only inputs of passes have a default value"));
     } else if (standard >= 0 && expect(standard, JsonText::Object, "\"default\"")) {
         Members value{{QLatin1String("type"), -1}, {QLatin1String("value"), -1}};
         readMembers(standard, value);
@@ -533,7 +533,7 @@ int DocumentReader::parentOf(const QString& path, const QString& parentPath, int
         return -1;
     toldPaths.insert(parentPath);
     report(item, "unknown-parent",
-           quoted(path) + QStringLiteral(": no entry before this one is the group ")
+           quoted(path) + QLatin1String(": no entry before this one is the group ")
                + quoted(parentPath));
     return -1;
 }
@@ -548,7 +548,7 @@ bool DocumentReader::readPath(int item, NodeRecord& node, int& ordinal)
     const int slash = path.lastIndexOf(QLatin1Char('/'));
     const PathSegment segment = parsePathSegment(path.mid(slash + 1));
     if (!segment.valid || slash == 0) {
-        report(item, "bad-path", quoted(path) + QStringLiteral(" is not the path of a node"));
+        report(item, "bad-path", quoted(path) + QLatin1String(" is not the path of a node"));
         toldPaths.insert(path);
         return false;
     }
@@ -562,10 +562,10 @@ bool DocumentReader::readPath(int item, NodeRecord& node, int& ordinal)
         // Of two groups of one path, the nodes within have the same paths, too.
         if (!repeatedPaths.contains(parentPath))
             report(item, "duplicate-path",
-                   quoted(path) + QStringLiteral(" is in line ")
+                   quoted(path) + QLatin1String(" is in line ")
                        + QString::number(text.place(text.item(pathItems[first]).begin).line)
-                       + QStringLiteral(" already; several of one name are numbered, from ")
-                       + quoted(Paths::escaped(segment.name) + QStringLiteral("[0]")));
+                       + QLatin1String(" already; several of one name are numbered, from ")
+                       + quoted(Paths::escaped(segment.name) + QLatin1String("[0]")));
         repeatedPaths.insert(path);
         inputsComplete[first] = false; // which one is meant nobody knows
         outputsComplete[first] = false;
@@ -589,17 +589,17 @@ void DocumentReader::readKind(const Members& members, NodeRecord& node)
     if (node.pass)
         readString(pass, "\"pass\"", node.type);
     if (enabled >= 0 && !node.pass) {
-        report(enabled, "misplaced-key", QStringLiteral("only passes are enabled or disabled"));
+        report(enabled, "misplaced-key", QLatin1String("only passes are enabled or disabled"));
     } else if (enabled >= 0) {
         const JsonText::Kind kind = text.kind(enabled);
         node.enabled = kind != JsonText::False;
         if (kind != JsonText::True && kind != JsonText::False)
             report(enabled, "wrong-type",
-                   QStringLiteral("\"enabled\" must be true or false, not ") + kindName(enabled));
+                   QLatin1String("\"enabled\" must be true or false, not ") + kindName(enabled));
     }
     if (value >= 0 && node.pass)
         report(value, "misplaced-key",
-               QStringLiteral("the value of a pass is its number and not written"));
+               QLatin1String("the value of a pass is its number and not written"));
     else if (value >= 0 && readInt(value, "\"value\"", node.value))
         values.emplace_back(node.value, value);
 }
@@ -689,8 +689,8 @@ void DocumentReader::checkNumbers()
                    ? QString()
                    : QLatin1Char('[') + QString::number(position) + QLatin1Char(']'));
         report(item, "wrong-number",
-               quoted(path) + QStringLiteral(" must be ") + quoted(right)
-                   + QStringLiteral(" by the order of the entries"));
+               quoted(path) + QLatin1String(" must be ") + quoted(right)
+                   + QLatin1String(" by the order of the entries"));
     }
 }
 
@@ -701,8 +701,8 @@ void DocumentReader::checkValues()
         const int value = entry.first;
         if (value >= 0 && value < numPasses)
             report(entry.second, "value-names-pass",
-                   QStringLiteral("the value ") + QString::number(value)
-                       + QStringLiteral(" is the number of a pass: they are numbered from 0 to ")
+                   QLatin1String("the value ") + QString::number(value)
+                       + QLatin1String(" is the number of a pass: they are numbered from 0 to ")
                        + QString::number(numPasses - 1));
     }
 }
@@ -716,12 +716,12 @@ int DocumentReader::namedNode(const QString& path, int item, const QString& wher
     if (node == kSeveral) {
         toldPaths.insert(path);
         report(item, "ambiguous-node",
-               where + QStringLiteral("several nodes are called ") + quoted(path)
-                   + QStringLiteral(": give a number, as in ")
-                   + quoted(path + QStringLiteral("[0]")));
+               where + QLatin1String("several nodes are called ") + quoted(path)
+                   + QLatin1String(": give a number, as in ")
+                   + quoted(path + QLatin1String("[0]")));
     } else if (nodesComplete) {
         toldPaths.insert(path);
-        report(item, "unknown-node", where + QStringLiteral("there is no node ") + quoted(path));
+        report(item, "unknown-node", where + QLatin1String("there is no node ") + quoted(path));
     }
     return node;
 }
@@ -733,7 +733,7 @@ bool DocumentReader::readEnd(const QString& path, int item, const QString& where
     end.port = parsePathSegment(path.mid(dot + 1));
     if (!end.port.valid || dot == 0) {
         report(item, "bad-path",
-               where + quoted(path) + QStringLiteral(" is not the path of a port"));
+               where + quoted(path) + QLatin1String(" is not the path of a port"));
         return false;
     }
     end.node = namedNode(end.path, item, where);
@@ -767,19 +767,19 @@ int DocumentReader::namedPort(const End& end, bool isOutput, int item, const QSt
     const bool isRoot = end.node == 0;
     const char* const kind =
         isRoot ? (isOutput ? "output" : "parameter") : (isOutput ? "output" : "input");
-    const QString owner = isRoot ? QStringLiteral("the renderer") : quoted(end.path);
+    const QString owner = isRoot ? QLatin1String("the renderer") : quoted(end.path);
     if (number > 1 && end.port.ordinal < 0)
         report(item, "ambiguous-port",
-               where + owner + QStringLiteral(" has several ") + QLatin1String(kind)
-                   + QStringLiteral("s called ") + quoted(end.port.name)
-                   + QStringLiteral(": give a number, as in ")
-                   + quoted(Paths::escaped(end.port.name) + QStringLiteral("[0]")));
+               where + owner + QLatin1String(" has several ") + QLatin1String(kind)
+                   + QLatin1String("s called ") + quoted(end.port.name)
+                   + QLatin1String(": give a number, as in ")
+                   + quoted(Paths::escaped(end.port.name) + QLatin1String("[0]")));
     else
         report(item, "unknown-port",
-               where + owner + QStringLiteral(" has no ") + QLatin1String(kind) + QLatin1Char(' ')
+               where + owner + QLatin1String(" has no ") + QLatin1String(kind) + QLatin1Char(' ')
                    + quoted(end.port.name)
                    + (end.port.ordinal > 0
-                          ? QStringLiteral(" of number ") + QString::number(end.port.ordinal)
+                          ? QLatin1String(" of number ") + QString::number(end.port.ordinal)
                           : QString()));
     return -1;
 }
@@ -789,10 +789,10 @@ void DocumentReader::readEdge(int item)
     QString edge;
     if (!readString(item, "an edge", edge))
         return;
-    const QString where = quoted(edge) + QStringLiteral(": ");
-    const QStringList ends = edge.split(QStringLiteral(" -> "));
+    const QString where = quoted(edge) + QLatin1String(": ");
+    const QStringList ends = edge.split(QLatin1String(" -> "));
     if (ends.size() != 2) {
-        report(item, "bad-edge", where + QStringLiteral("an edge is written as \"FROM -> TO\""));
+        report(item, "bad-edge", where + QLatin1String("an edge is written as \"FROM -> TO\""));
         return;
     }
     End from;
@@ -804,7 +804,7 @@ void DocumentReader::readEdge(int item)
     const EdgeKind kind = EdgeCheck::kindOf(result.snapshot, from.node, to.node);
     if (kind == EdgeKind::None) {
         report(item, "unrelated-nodes",
-               where + QStringLiteral("the nodes are neither siblings nor a group and its child"));
+               where + QLatin1String("the nodes are neither siblings nor a group and its child"));
         return;
     }
     EdgeRecord record;
@@ -831,7 +831,7 @@ void DocumentReader::checkEdges()
             result.places.edges.append(placeOf(item));
             continue;
         }
-        const QString where = quoted(text.string(item)) + QStringLiteral(": ");
+        const QString where = quoted(text.string(item)) + QLatin1String(": ");
         const EdgeKind kind = EdgeCheck::kindOf(result.snapshot, edge.srcNode, edge.dstNode);
         const PortRef from = EdgeCheck::source(edge, kind);
         const PortRef to = EdgeCheck::destination(edge, kind);
@@ -845,23 +845,23 @@ void DocumentReader::checkEdges()
             const PortRecord& port = to.isOutput ? result.snapshot.output(to.node, to.index)
                                                  : result.snapshot.input(to.node, to.index);
             report(item, "already-fed",
-                   where + paths.port(to) + QStringLiteral(" is fed by ")
-                       + paths.port(otherEnd(port.source).first) + QStringLiteral(" already"));
+                   where + paths.port(to) + QLatin1String(" is fed by ")
+                       + paths.port(otherEnd(port.source).first) + QLatin1String(" already"));
         } else if (verdict == EdgeCheck::LeavesGroup) {
             const int oldest =
                 result.snapshot.output(from.node, from.index).destinations.value(0, -1);
             report(item, "leaves-group",
-                   where + paths.port(from) + QStringLiteral(" feeds ")
+                   where + paths.port(from) + QLatin1String(" feeds ")
                        + paths.port(otherEnd(oldest).second)
-                       + QStringLiteral(" of its group first; list its edges to siblings before"));
+                       + QLatin1String(" of its group first; list its edges to siblings before"));
         } else {
             QStringList names;
             const QVector<PortRef> cycle = check.cycle();
             for (const PortRef& port : cycle)
                 names.append(paths.port(port));
             report(item, "cycle",
-                   where + QStringLiteral("it closes the cycle ")
-                       + names.join(QStringLiteral(" -> ")) + QStringLiteral(" -> ")
+                   where + QLatin1String("it closes the cycle ")
+                       + names.join(QLatin1String(" -> ")) + QLatin1String(" -> ")
                        + names.first());
         }
     }
@@ -906,7 +906,7 @@ ReadResult DocumentReader::read()
     const int target = memberOf(members, "target");
     QString path;
     if (target >= 0 && readString(target, "\"target\"", path)) {
-        result.snapshot.target = namedNode(path, target, QStringLiteral("target: "));
+        result.snapshot.target = namedNode(path, target, QLatin1String("target: "));
         result.places.target = placeOf(target);
     }
     return finished();

@@ -83,9 +83,9 @@ QJsonArray DocumentWriter::groups(const NodeRecord& node)
 QJsonObject DocumentWriter::port(const PortRecord& port) const
 {
     QJsonObject object;
-    object.insert(QStringLiteral("name"), port.name);
+    object.insert(QLatin1String("name"), port.name);
     if (port.group != -1)
-        object.insert(QStringLiteral("group"), groupNames.value(port.group, port.group));
+        object.insert(QLatin1String("group"), groupNames.value(port.group, port.group));
     return object;
 }
 
@@ -94,9 +94,9 @@ void DocumentWriter::insertValue(QJsonObject& object, const QVariant& value, con
     if (writeValue(value, types, object) || !losses)
         return;
     Problem loss;
-    loss.code = QStringLiteral("unwritable-value");
-    loss.text = path + QStringLiteral(": a value of type ") + QLatin1String(value.typeName())
-        + QStringLiteral(" has no written form");
+    loss.code = QLatin1String("unwritable-value");
+    loss.text = path + QLatin1String(": a value of type ") + QLatin1String(value.typeName())
+        + QLatin1String(" has no written form");
     losses->append(loss);
 }
 
@@ -125,7 +125,7 @@ QJsonArray DocumentWriter::inputs(int ref)
             QJsonObject value;
             insertValue(value, input.defaultValue, paths.input(ref, i));
             if (!value.isEmpty())
-                object.insert(QStringLiteral("default"), value);
+                object.insert(QLatin1String("default"), value);
         }
         list.append(shortened(object));
     }
@@ -144,13 +144,13 @@ QJsonObject DocumentWriter::node(int ref)
 {
     const NodeRecord& record = snapshot.nodes.at(ref);
     QJsonObject object;
-    object.insert(QStringLiteral("path"), paths.node(ref));
+    object.insert(QLatin1String("path"), paths.node(ref));
     if (record.pass) {
-        object.insert(QStringLiteral("pass"), record.type);
+        object.insert(QLatin1String("pass"), record.type);
         if (!record.enabled)
-            object.insert(QStringLiteral("enabled"), false);
+            object.insert(QLatin1String("enabled"), false);
     } else if (record.value != -1) {
-        object.insert(QStringLiteral("value"), record.value);
+        object.insert(QLatin1String("value"), record.value);
     }
     insertList(object, "groups", groups(record));
     insertList(object, "inputs", inputs(ref));
@@ -164,7 +164,7 @@ QJsonArray DocumentWriter::edges() const
     for (int i = 0; i < snapshot.edges.size(); ++i) {
         const EdgeRecord& edge = snapshot.edges.at(i);
         const EdgeKind kind = snapshot.kindOf(i);
-        list.append(paths.port(EdgeCheck::source(edge, kind)) + QStringLiteral(" -> ")
+        list.append(paths.port(EdgeCheck::source(edge, kind)) + QLatin1String(" -> ")
                     + paths.port(EdgeCheck::destination(edge, kind)));
     }
     return list;
@@ -173,13 +173,13 @@ QJsonArray DocumentWriter::edges() const
 QByteArray DocumentWriter::write()
 {
     QJsonObject document;
-    document.insert(QStringLiteral("format"), QStringLiteral("orv-graph"));
-    document.insert(QStringLiteral("version"), 1);
+    document.insert(QLatin1String("format"), QLatin1String("orv-graph"));
+    document.insert(QLatin1String("version"), 1);
     const NodeRecord& root = snapshot.nodes.first();
     if (!root.name.isEmpty())
-        document.insert(QStringLiteral("name"), root.name);
+        document.insert(QLatin1String("name"), root.name);
     if (root.value != -1)
-        document.insert(QStringLiteral("value"), root.value);
+        document.insert(QLatin1String("value"), root.value);
     insertList(document, "groups", groups(root));
     insertList(document, "parameters", parameters());
     insertList(document, "outputs", outputs(root));
@@ -189,7 +189,7 @@ QByteArray DocumentWriter::write()
     insertList(document, "nodes", nodes);
     insertList(document, "edges", edges());
     if (snapshot.target >= 0)
-        document.insert(QStringLiteral("target"), paths.node(snapshot.target));
+        document.insert(QLatin1String("target"), paths.node(snapshot.target));
     return QJsonDocument(document).toJson(QJsonDocument::Indented);
 }
 

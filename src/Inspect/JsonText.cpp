@@ -81,7 +81,7 @@ bool JsonText::checkUtf8()
         if (offset == next) {
             const int length = sequenceLength(text, offset);
             if (length == 0)
-                return fail("invalid-utf8", QStringLiteral("the text is not UTF-8 from here on"),
+                return fail("invalid-utf8", QLatin1String("the text is not UTF-8 from here on"),
                             offset);
             next = offset + length;
         }
@@ -127,7 +127,7 @@ bool JsonText::fail(const char* code, const QString& what, int offset)
 bool JsonText::fail(const char* what)
 {
     if (pos >= text.size())
-        return fail("syntax", QStringLiteral("the text ends too early"), pos);
+        return fail("syntax", QLatin1String("the text ends too early"), pos);
     return fail("syntax", QLatin1String(what), pos);
 }
 
@@ -146,7 +146,7 @@ bool JsonText::openContainer(Kind kind)
 {
     if (open.size() >= kMaxDepth)
         return fail("too-deep",
-                    QStringLiteral("values are nested deeper than ") + QString::number(kMaxDepth),
+                    QLatin1String("values are nested deeper than ") + QString::number(kMaxDepth),
                     pos);
     open.push_back(numItems());
     ++pos;

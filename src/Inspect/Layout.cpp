@@ -48,7 +48,7 @@ private:
     /// Of a node of the snapshot.
     QString nameOf(int node) const
     {
-        return node == 0 ? QStringLiteral("the renderer") : paths.node(node);
+        return node == 0 ? QLatin1String("the renderer") : paths.node(node);
     }
     QString edgeText(int edge) const
     {
@@ -89,9 +89,9 @@ void LayingOut::layOutRoot()
 {
     NodeRecord root = original.node(0);
     if (root.removed)
-        lose("removed-root", QStringLiteral("the root of the graph has been removed"), 0, -1);
+        lose("removed-root", QLatin1String("the root of the graph has been removed"), 0, -1);
     if (root.pass)
-        lose("root-with-pass", QStringLiteral("the root of the graph has the value of a pass"), 0,
+        lose("root-with-pass", QLatin1String("the root of the graph has the value of a pass"), 0,
              -1);
     root.parent = -1;
     root.removed = false;
@@ -106,16 +106,16 @@ void LayingOut::layOutRoot()
     layout.snapshot.parameters.resize(root.inputs.size());
     if (original.parameters.size() != root.inputs.size())
         lose("parameter-mismatch",
-             QStringLiteral("the renderer has ") + QString::number(original.parameters.size())
-                 + QStringLiteral(" parameters, but its root has ")
-                 + QString::number(root.inputs.size()) + QStringLiteral(" inputs"),
+             QLatin1String("the renderer has ") + QString::number(original.parameters.size())
+                 + QLatin1String(" parameters, but its root has ")
+                 + QString::number(root.inputs.size()) + QLatin1String(" inputs"),
              0, -1);
     layout.snapshot.numOutputs = root.outputs.size();
     if (original.numOutputs != root.outputs.size())
         lose("output-mismatch",
-             QStringLiteral("the renderer has ") + QString::number(original.numOutputs)
-                 + QStringLiteral(" outputs, but its root has ")
-                 + QString::number(root.outputs.size()) + QStringLiteral(" of them"),
+             QLatin1String("the renderer has ") + QString::number(original.numOutputs)
+                 + QLatin1String(" outputs, but its root has ")
+                 + QString::number(root.outputs.size()) + QLatin1String(" of them"),
              0, -1);
     layout.snapshot.nodes[0] = root;
     layout.origins = {0};
@@ -143,7 +143,7 @@ void LayingOut::layOutNodes()
             } else if (refs.at(next) == kNotYet) {
                 refs[next] = kNowhere;
                 lose("unreachable-node",
-                     paths.node(next) + QStringLiteral(" does not lie below the root"), next, -1);
+                     paths.node(next) + QLatin1String(" does not lie below the root"), next, -1);
             }
         }
     }
@@ -187,12 +187,12 @@ void LayingOut::checkChildren()
             allListed = false;
             const int origin = layout.origins.at(child);
             lose("unlisted-node",
-                 paths.node(origin) + QStringLiteral(" is not listed by its parent"), origin, -1,
+                 paths.node(origin) + QLatin1String(" is not listed by its parent"), origin, -1,
                  false);
         }
         if (allListed)
             lose("child-order",
-                 nameOf(node) + QStringLiteral(" lists its children otherwise than the node table"),
+                 nameOf(node) + QLatin1String(" lists its children otherwise than the node table"),
                  node, -1, false);
     }
 }
@@ -209,7 +209,7 @@ void LayingOut::layOutValues()
         if (record.value >= 0 && seen.contains(record.value)) {
             const int node = layout.origins.at(ref);
             lose("shared-pass",
-                 nameOf(node) + QStringLiteral(" has a pass that another node has as well"), node,
+                 nameOf(node) + QLatin1String(" has a pass that another node has as well"), node,
                  -1);
         }
         seen.insert(record.value);
@@ -221,8 +221,8 @@ void LayingOut::layOutValues()
             continue;
         const int node = layout.origins.at(ref);
         lose("node-value",
-             nameOf(node) + QStringLiteral(" has the value ") + QString::number(record.value)
-                 + QStringLiteral(", which would name a pass"),
+             nameOf(node) + QLatin1String(" has the value ") + QString::number(record.value)
+                 + QLatin1String(", which would name a pass"),
              node, -1);
         record.value = -1;
     }
@@ -333,7 +333,7 @@ void LayingOut::layOutEdges()
     int last = -1;
     for (const int edge : qAsConst(layout.edgeOrigins)) {
         if (edge < last)
-            lose("edge-order", edgeText(edge) + QStringLiteral(" is written at another place"), -1,
+            lose("edge-order", edgeText(edge) + QLatin1String(" is written at another place"), -1,
                  edge, false);
         last = qMax(last, edge);
     }
@@ -347,7 +347,7 @@ void LayingOut::layOutTarget()
     layout.snapshot.target = target >= 0 ? refs.value(target, -1) : -1;
     if (layout.snapshot.target < 0) {
         layout.snapshot.target = -1;
-        lose("target-gone", QStringLiteral("the target is no node any more"), -1, -1);
+        lose("target-gone", QLatin1String("the target is no node any more"), -1, -1);
     }
 }
 

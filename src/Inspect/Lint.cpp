@@ -322,7 +322,7 @@ private:
         if (node < 0 || node >= numNodes)
             return QLatin1String("node ") + QString::number(node)
                 + QLatin1String(", which is none");
-        return node == 0 ? QStringLiteral("the root") : paths.node(node);
+        return node == 0 ? QLatin1String("the root") : paths.node(node);
     }
 
     static bool isBefore(const Finding& a, const Finding& b);
@@ -547,7 +547,7 @@ void Linter::checkChildren(int node, Table<int>& listedBy)
 {
     const auto complain = [this, node](const QLatin1String& what, const QString& child) {
         report(HierarchyOutOfStep, node,
-               (node == 0 ? QStringLiteral("The root") : paths.node(node))
+               (node == 0 ? QLatin1String("The root") : paths.node(node))
                    + QLatin1String(" lists a child ") + what + QLatin1String(", ") + child
                    + QLatin1Char('.'));
     };
@@ -662,7 +662,7 @@ void Linter::checkDefaults(int node)
                 continue; // a parameter
             reason = QLatin1String("nothing feeds ")
                 + (source.ups > 0 ? paths.input(source.at.node, source.at.port)
-                                  : QStringLiteral("it"));
+                                  : QLatin1String("it"));
         } else if (!record(source.at.node).pass) {
             reason = QLatin1String("it reads ") + paths.output(source.at.node, source.at.port)
                 + QLatin1String(", which no pass feeds");

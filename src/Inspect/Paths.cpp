@@ -55,7 +55,7 @@ QString numbered(const QString& name, int ordinal)
 {
     const QString text = Paths::escaped(name);
     if (ordinal == kUnique)
-        return name.isEmpty() ? QStringLiteral("[0]") : text;
+        return name.isEmpty() ? QLatin1String("[0]") : text;
     return text + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
 }
 
@@ -208,7 +208,7 @@ QString Paths::node(int ref) const
     int node = ref;
     for (int steps = snapshot.nodes.size(); node > 0 && node < snapshot.nodes.size(); --steps) {
         if (steps == 0)
-            return QStringLiteral("[circle]/") + impl->segments.at(ref);
+            return QLatin1String("[circle]/") + impl->segments.at(ref);
         line.append(node);
         length += impl->segments.at(node).size() + 1;
         node = snapshot.nodes.at(node).parent;

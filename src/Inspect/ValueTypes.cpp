@@ -106,7 +106,7 @@ bool isStreamable(int type)
 
 QString streamKey()
 {
-    return QStringLiteral("QDataStream");
+    return QLatin1String("QDataStream");
 }
 
 bool toBytes(const QVariant& value, QByteArray& bytes)
@@ -144,11 +144,11 @@ bool fromBase64(const QString& text, QByteArray& bytes)
 QJsonValue specialNumber(double number)
 {
     if (std::isnan(number))
-        return QStringLiteral("nan");
+        return QLatin1String("nan");
     if (std::isinf(number))
-        return number < 0 ? QStringLiteral("-inf") : QStringLiteral("inf");
+        return number < 0 ? QLatin1String("-inf") : QLatin1String("inf");
     if (number == 0 && std::signbit(number))
-        return QStringLiteral("-0");
+        return QLatin1String("-0");
     return QJsonValue(QJsonValue::Undefined);
 }
 
@@ -274,16 +274,16 @@ bool writeAny(const QVariant& value, const ValueTypes& types, int depth, QJsonOb
         const int known = QMetaType::type(foreign.type.toLatin1());
         if (isKnown(known) || foreign.value.isUndefined())
             return false; // would be taken for the value of that type
-        object.insert(QStringLiteral("type"), foreign.type);
-        object.insert(QStringLiteral("value"), foreign.value);
+        object.insert(QLatin1String("type"), foreign.type);
+        object.insert(QLatin1String("value"), foreign.value);
         return true;
     }
     const QJsonValue json = written(value, types, depth + 1);
     if (json.isUndefined())
         return false;
     if (type != QMetaType::Bool && type != QMetaType::QString)
-        object.insert(QStringLiteral("type"), typeName(type));
-    object.insert(QStringLiteral("value"), json);
+        object.insert(QLatin1String("type"), typeName(type));
+    object.insert(QLatin1String("value"), json);
     return true;
 }
 
@@ -324,7 +324,7 @@ QString numberText(const QVariant& value)
 {
     QJsonObject object;
     writeValue(value, ValueTypes(), object);
-    return object.value(QStringLiteral("value")).toVariant().toString();
+    return object.value(QLatin1String("value")).toVariant().toString();
 }
 
 bool isValueList(const QString& type)
