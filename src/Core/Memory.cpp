@@ -6,6 +6,8 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace Kestrin {
@@ -52,7 +54,9 @@ MemoryMappedFile::~MemoryMappedFile()
 
 unsigned long MemoryMappedFile::size() const
 {
-    return state->fileSize;
+    // With 32 bits, what lies beyond cannot be asked for.
+    const quint64 most = std::numeric_limits<unsigned long>::max();
+    return static_cast<unsigned long>(std::min(state->fileSize, most));
 }
 
 unsigned char* MemoryMappedFile::get(unsigned long offset, unsigned long size)
@@ -80,7 +84,7 @@ RawMemory::~RawMemory()
 
 unsigned long RawMemory::size() const
 {
-    return bufferSize;
+    return static_cast<unsigned long>(bufferSize);
 }
 
 unsigned char* RawMemory::get(unsigned long offset, unsigned long size)
