@@ -55,12 +55,12 @@ TOPICS = {
     "setup": ("Setup", "A repeated `setup`, teardown included, beside a frame of the same renderer "
               "and the building of the flow graph."),
     "staggered": ("Staggered first frame", "A chain of passes under the staggered first frame."),
-    "histogram": ("Frame-time histogram", "The size is the number of buckets in use. prometheus-cpp "
-                  "has its 2001 buckets from the start and never empties itself."),
-    "trace": ("Traces", "A chain of passes behind `TracedPass`, beside the same frame without it and "
-              "beside passes that read the clock before and after each of `beginFrame`, `start` and "
-              "`endFrame` and append a record. A recorded call reads the clock twice; a counted "
-              "one does not."),
+    "histogram": ("Frame-time histogram", "The size is the number of buckets in use. "
+                  "prometheus-cpp has its 2001 buckets from the start and never empties itself."),
+    "trace": ("Traces", "A chain of passes behind `TracedPass`, beside the same frame without it "
+              "and beside passes that read the clock before and after each of `beginFrame`, "
+              "`start` and `endFrame` and append a record. A recorded call reads the clock "
+              "twice; a counted one does not."),
     "mapping": ("Mapped ranges", "Mapping a range of a file, reading its first and its last byte, "
                 "and unmapping it. The size is in KiB. Boost.Iostreams opens the file each time."),
 }
@@ -149,7 +149,8 @@ def machine():
             model = match.group(1).strip()
     with open("/proc/meminfo", encoding="utf-8") as file:
         memory = int(re.search(r"^MemTotal:\s*(\d+)", file.read(), re.MULTILINE).group(1))
-    return f"{model}, {cores} cores, {round(memory / 2**20)} GiB of memory, Linux {os.uname().release}"
+    return (f"{model}, {cores} cores, {round(memory / 2**20)} GiB of memory, "
+            f"Linux {os.uname().release}")
 
 
 def summary(rows):
@@ -158,14 +159,15 @@ def summary(rows):
     for what, pattern, subject, limit, sign in TARGETS:
         ratios = []
         for (topic, work, size), subjects in rows.items():
-            if re.match(pattern, f"{topic}/{work}/{size}") and "orv" in subjects and subject in subjects:
+            if (re.match(pattern, f"{topic}/{work}/{size}")
+                    and "orv" in subjects and subject in subjects):
                 ratios.append((median(subjects["orv"]) / median(subjects[subject]), work, size))
         if not ratios:
             continue
         worst, work, size = max(ratios)
         holding = sum(meets(ratio, limit, sign) for ratio, _, _ in ratios)
-        lines.append(f"| {what} | {SUBJECTS[subject]} | {sign_text(sign)} {limit} | {work}, {size:,} | "
-                     f"{worst:.2f} | {holding} of {len(ratios)} | "
+        lines.append(f"| {what} | {SUBJECTS[subject]} | {sign_text(sign)} {limit} | "
+                     f"{work}, {size:,} | {worst:.2f} | {holding} of {len(ratios)} | "
                      f"{'yes' if holding == len(ratios) else '**no**'} |")
     return lines
 
@@ -191,12 +193,15 @@ def topic_table(rows, topic):
                 continue
             other = median(runs)
             other_spread = spread(runs)
-            text = duration(other) + (f" ±{100 * other_spread:.0f} %" if other_spread is not None else "")
+            text = duration(other)
+            if other_spread is not None:
+                text += f" ±{100 * other_spread:.0f} %"
             target = target_of(topic, work, size, subject)
             verdict = ""
             if target:
                 holds = meets(own / other, *target)
-                verdict = f"{sign_text(target[1])} {target[0]}: {'holds' if holds else '**missed**'}"
+                verdict = (f"{sign_text(target[1])} {target[0]}: "
+                           f"{'holds' if holds else '**missed**'}")
             lines.append(f"| {work} | {size:,} | {own_text} | {SUBJECTS[subject]} | {text} | "
                          f"{own / other:.2f} | {verdict} |")
     return lines
@@ -265,20 +270,27 @@ def plot(title, lines, per_item=False):
            f'<text x="{left}" y="22" font-size="15">{escape(title)}</text>']
     for power in range(y0, y1 + 1):
         y = py(10.0 ** power)
-        out.append(f'<line x1="{left}" y1="{y:.1f}" x2="{width - right}" y2="{y:.1f}" stroke="#ddd"/>'
-                   f'<text x="{left - 8}" y="{y + 4:.1f}" text-anchor="end">{duration(10.0 ** power)}</text>')
+        out.append(f'<line x1="{left}" y1="{y:.1f}" x2="{width - right}" y2="{y:.1f}" '
+                   f'stroke="#ddd"/>'
+                   f'<text x="{left - 8}" y="{y + 4:.1f}" text-anchor="end">'
+                   f'{duration(10.0 ** power)}</text>')
     for power in range(math.ceil(x0), math.floor(x1) + 1):
         x = px(10.0 ** power)
-        out.append(f'<line x1="{x:.1f}" y1="{top}" x2="{x:.1f}" y2="{height - bottom}" stroke="#ddd"/>'
-                   f'<text x="{x:.1f}" y="{height - bottom + 18}" text-anchor="middle">{10 ** power:,}</text>')
-    out.append(f'<text x="{(left + width - right) / 2:.0f}" y="{height - 8}" text-anchor="middle">nodes</text>')
+        out.append(f'<line x1="{x:.1f}" y1="{top}" x2="{x:.1f}" y2="{height - bottom}" '
+                   f'stroke="#ddd"/>'
+                   f'<text x="{x:.1f}" y="{height - bottom + 18}" text-anchor="middle">'
+                   f'{10 ** power:,}</text>')
+    out.append(f'<text x="{(left + width - right) / 2:.0f}" y="{height - 8}" '
+               f'text-anchor="middle">nodes</text>')
     for i, (label, points) in enumerate(lines.items()):
         color = COLORS[i % len(COLORS)]
         path = " ".join(f"{px(x):.1f},{py(y):.1f}" for x, y in points)
         out.append(f'<polyline points="{path}" fill="none" stroke="{color}" stroke-width="2"/>')
-        out += [f'<circle cx="{px(x):.1f}" cy="{py(y):.1f}" r="3" fill="{color}"/>' for x, y in points]
+        out += [f'<circle cx="{px(x):.1f}" cy="{py(y):.1f}" r="3" fill="{color}"/>'
+                for x, y in points]
         y = top + 12 + 20 * i
-        out.append(f'<rect x="{width - right + 14}" y="{y - 9}" width="10" height="10" fill="{color}"/>'
+        out.append(f'<rect x="{width - right + 14}" y="{y - 9}" width="10" height="10" '
+                   f'fill="{color}"/>'
                    f'<text x="{width - right + 30}" y="{y}">{escape(label)}</text>')
     out.append("</svg>\n")
     return "\n".join(out)
@@ -302,13 +314,13 @@ def main(results, docs):
                          ("libOrvCore", "compiler", "Qt", "Google Benchmark", "Boost", "oneTBB",
                           "prometheus-cpp") if context.get(key)).replace("compiler ", "")
     text = ["# Benchmarks", "",
-            "The library beside peers and limits, as `./scripts/bench` has measured it. A peer does "
-            "the same for its users; a limit is the same work without what makes the library general. "
-            "All subjects of a row run in one process on one and the same work, and their answers are "
-            "compared before the first one is timed.", "",
-            f"Times are medians of up to {repetitions} repetitions, which are interleaved at random, in "
-            "processor time; ± is half the distance between the quartiles. A ratio below 1 says that the "
-            "library takes less.", "",
+            "The library beside peers and limits, as `./scripts/bench` has measured it. A "
+            "peer does the same for its users; a limit is the same work without what makes "
+            "the library general. All subjects of a row run in one process on one and the "
+            "same work, and their answers are compared before the first one is timed.", "",
+            f"Times are medians of up to {repetitions} repetitions, which are interleaved at "
+            "random, in processor time; ± is half the distance between the quartiles. A "
+            "ratio below 1 says that the library takes less.", "",
             f"Machine: {machine()}.", "",
             f"Versions: {versions}.", "",
             "## Targets", ""]
@@ -323,10 +335,9 @@ def main(results, docs):
                                    series(rows, "frame", work), per_item=True)
 
     text += ["", "## Growth", "",
-             "A chain from a hundred nodes to a million, built sink first unless the row says otherwise. "
-             "The exponent is the slope of "
-             "the line through all points: 1 is linear. Beyond some ten thousand nodes, the caches no "
-             "longer hold the graph.", "",
+             "A chain from a hundred nodes to a million, built sink first unless the row says "
+             "otherwise. The exponent is the slope of the line through all points: 1 is linear. "
+             "Beyond some ten thousand nodes, the caches no longer hold the graph.", "",
              "| Work | Subject | Exponent | Per node at 100 | Per node at 1,000,000 |",
              "|---|---|---:|---:|---:|"]
     growth_plots = []
@@ -345,10 +356,11 @@ def main(results, docs):
     text += growth_plots
 
     text += ["", "## Memory", "",
-             "Heap bytes, with what the allocator adds to each block, in a chain of 10,000 nodes:", ""]
+             "Heap bytes, with what the allocator adds to each block, in a chain of 10,000 nodes:",
+             ""]
     text += counter_table(rows, "bytes", "bytes", "Bytes")
-    text += ["", "Allocations that an operation makes, and how many it may make: what its description "
-             "names, one more for a walk. What exceeds that is set in bold:", ""]
+    text += ["", "Allocations that an operation makes, and how many it may make: what its "
+             "description names, one more for a walk. What exceeds that is set in bold:", ""]
     text += counter_table(rows, "allocations", "allocations", "Allocations")
 
     with open(os.path.join(docs, "benchmarks.md"), "w", encoding="utf-8") as file:

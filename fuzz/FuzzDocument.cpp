@@ -67,8 +67,8 @@ QByteArray brokenDocument(Bytes& bytes)
 
 } // namespace
 
-// Any text, and documents of renderers with one thing broken: the reader tells what is wrong, or what
-// it has read survives being written, read and built.
+// Any text, and documents of renderers with one thing broken: the reader tells what is wrong, or
+// what it has read survives being written, read and built.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Bytes bytes(data, size);

@@ -17,7 +17,8 @@
 
 namespace OrvBench {
 
-/// A pass with little work of its own: its one output mixes all its inputs, their order and its seed.
+/// A pass with little work of its own: its one output mixes all its inputs, their order and its
+/// seed.
 class MixPass : public Kestrin::Orv::RenderPassHelper
 {
 public:

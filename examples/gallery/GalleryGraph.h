@@ -25,8 +25,8 @@ namespace Gallery {
 
 namespace Inspect = Kestrin::Orv::Inspect;
 
-/// The renderer of this program: its passes and how they hang together, as they are built in or as a
-/// document says.
+/// The renderer of this program: its passes and how they hang together, as they are built in or as
+/// a document says.
 ///
 /// The built-in ones:
 ///
@@ -55,8 +55,8 @@ public:
 
     /// The pass of this name, in whichever group, or of this path; -1 if there is none.
     int findPass(const QString& name);
-    /// Says for people of which output the renderer counts too few readers, so that its texture would
-    /// return to the pool too early; empty if there is none.
+    /// Says for people of which output the renderer counts too few readers, so that its texture
+    /// would return to the pool too early; empty if there is none.
     QString uncountedReader();
     /// The passes that the renderer's outputs and its target need, in their order of execution.
     QVector<int> executionOrder();

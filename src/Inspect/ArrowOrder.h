@@ -14,8 +14,8 @@ namespace Orv {
 namespace Inspect {
 
 /// Vertices in an order that arrows between them always lead down in: the algorithm of Pearce and
-/// Kelly. An arrow that leads down already takes constant time; for another, what lies between its ends
-/// is looked through and put in order.
+/// Kelly. An arrow that leads down already takes constant time; for another, what lies between its
+/// ends is looked through and put in order.
 class ArrowOrder
 {
 public:

@@ -127,8 +127,8 @@ bool isSame(const QVariant& a, const QVariant& b)
     return a.userType() == QMetaType::QVariantHash && a == b; // in an order of its own
 }
 
-/// The shortest text that is read as the same number again; six digits at least, less trailing zeros,
-/// for fewer would make 3e+01 of 30.
+/// The shortest text that is read as the same number again; six digits at least, less trailing
+/// zeros, for fewer would make 3e+01 of 30.
 template<typename Number>
 QString shortest(Number number, int maxDigits)
 {

@@ -219,8 +219,8 @@ void DocumentReader::readMembers(int object, Members& members)
             for (const Member& m : members)
                 known.append(m.key);
             report(key, "unknown-key",
-                   QLatin1String("there is no key ") + quoted(name)
-                       + QLatin1String(" here, only ") + known.join(QLatin1String(", ")));
+                   QLatin1String("there is no key ") + quoted(name) + QLatin1String(" here, only ")
+                       + known.join(QLatin1String(", ")));
         } else if (member->value < 0) {
             member->value = key + 1;
         }
@@ -860,9 +860,8 @@ void DocumentReader::checkEdges()
             for (const PortRef& port : cycle)
                 names.append(paths.port(port));
             report(item, "cycle",
-                   where + QLatin1String("it closes the cycle ")
-                       + names.join(QLatin1String(" -> ")) + QLatin1String(" -> ")
-                       + names.first());
+                   where + QLatin1String("it closes the cycle ") + names.join(QLatin1String(" -> "))
+                       + QLatin1String(" -> ") + names.first());
         }
     }
 }

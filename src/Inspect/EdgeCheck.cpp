@@ -54,7 +54,8 @@ private:
 };
 
 /// By vertex: the number of its strongly connected component; -1 where it is alone in it. Tarjan's
-/// algorithm, with the path on a list of its own. Also tells in which order it has left the vertices.
+/// algorithm, with the path on a list of its own. Also tells in which order it has left the
+/// vertices.
 std::vector<int> componentsOf(const Arrows& arrows, int numVertices, std::vector<int>& finished)
 {
     const auto at = [](auto& list, int i) -> auto&
@@ -187,7 +188,8 @@ EdgeCheck::Arrow EdgeCheck::arrowOf(const EdgeRecord& edge, EdgeKind kind)
 
 /// Arrows lead along all the edges there will ever be, and from each node's outputs to its inputs,
 /// whether it is a pass or a group. A search that begins at a node's inputs reaches no node whose
-/// outputs these arrows do not lead to. So an edge that the search refuses closes a circle of arrows.
+/// outputs these arrows do not lead to. So an edge that the search refuses closes a circle of
+/// arrows.
 std::vector<int> EdgeCheck::circlesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
                                       std::vector<int>& finished)
 {
@@ -207,8 +209,8 @@ std::vector<int> EdgeCheck::circlesOf(const Snapshot& target, const QVector<Edge
     return componentsOf(arrows, 2 * numNodes, finished);
 }
 
-/// Whether an arrow closes a circle with those before it, as far as that is known. If not, it is one
-/// of those before the next.
+/// Whether an arrow closes a circle with those before it, as far as that is known. If not, it is
+/// one of those before the next.
 bool EdgeCheck::closesCircle(const Arrow& arrow)
 {
     const int circle = circles[static_cast<std::size_t>(arrow.from)];

@@ -40,8 +40,8 @@ public:
     static PortRef source(const EdgeRecord& edge, EdgeKind kind);
     static PortRef destination(const EdgeRecord& edge, EdgeKind kind);
 
-    /// The ports of the whole circle that the edge just refused would close, along the flow, from that
-    /// edge's source to its source.
+    /// The ports of the whole circle that the edge just refused would close, along the flow, from
+    /// that edge's source to its source.
     QVector<PortRef> cycle() const;
 
 private:

@@ -343,8 +343,8 @@ InputExplanation Explainer::input(int node, int index) const
 
 // Edges
 
-/// The ports from `from` back to `to` when the node of `to` lies upstream of that of `from`, searched
-/// as Graph::precedes() does; nothing if it does not.
+/// The ports from `from` back to `to` when the node of `to` lies upstream of that of `from`,
+/// searched as Graph::precedes() does; nothing if it does not.
 QVector<PortRef> Explainer::Impl::cycleOf(const PortRef& from, const PortRef& to) const
 {
     QVector<int> nodes{from.node};

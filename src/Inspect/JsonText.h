@@ -18,8 +18,8 @@ namespace Inspect {
 
 /// A JSON text and where everything in it stands, which QJsonDocument does not tell.
 ///
-/// The values are listed in the order of the text: a container is followed by what it holds, a key by
-/// its value. No recursion: a text may be nested as deep as it likes, and is refused.
+/// The values are listed in the order of the text: a container is followed by what it holds, a key
+/// by its value. No recursion: a text may be nested as deep as it likes, and is refused.
 class JsonText
 {
 public:

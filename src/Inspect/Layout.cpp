@@ -228,8 +228,9 @@ void LayingOut::layOutValues()
     }
 }
 
-/// The live edges in the order of their table; but where the oldest edge that leaves an output is an
-/// up edge that is older than one to a sibling, which a graph takes no more, that one comes first.
+/// The live edges in the order of their table; but where the oldest edge that leaves an output is
+/// an up edge that is older than one to a sibling, which a graph takes no more, that one comes
+/// first.
 QVector<int> LayingOut::edgeOrder() const
 {
     QHash<QPair<int, int>, int> siblings; // by output: the first edge to a sibling

@@ -11,8 +11,8 @@ namespace Orv {
 namespace Inspect {
 
 /// What a document can hold of a snapshot, as a snapshot of its own: sound, nothing removed, every
-/// node behind its parent and listed by it, every edge accepted by a graph in this order, every pass
-/// with a value of its own.
+/// node behind its parent and listed by it, every edge accepted by a graph in this order, every
+/// pass with a value of its own.
 struct Layout
 {
     /// Something of the snapshot that is not as it was.

@@ -102,8 +102,8 @@ struct Source
     int downs = 0;      // up edges followed back, into groups
 };
 
-/// How values flow: for each port, where the walks of the snapshot lead. Each edge is followed once,
-/// however many ports lie behind it.
+/// How values flow: for each port, where the walks of the snapshot lead. Each edge is followed
+/// once, however many ports lie behind it.
 class Flow
 {
 public:

@@ -62,7 +62,8 @@ QByteArray box(const QByteArray& kind, const Look& look, const char* fill)
         + fill + R"(" color=")" + look.line + '"';
 }
 
-/// Any text whatever for a label; Graphviz has escapes of its own there, which begin with a backslash.
+/// Any text whatever for a label; Graphviz has escapes of its own there, which begin with a
+/// backslash.
 QByteArray escapedLabel(const QString& text, int length = kLongestName)
 {
     return escapedMarkup(shortened(text, length)).replace("\\", "\\\\");
@@ -187,8 +188,8 @@ Tree::Tree(const Snapshot& snapshot)
     }
 }
 
-/// Whether a parameter or the output of a live pass reaches a port, found out once for each port on the
-/// way: many may lead through the same groups.
+/// Whether a parameter or the output of a live pass reaches a port, found out once for each port on
+/// the way: many may lead through the same groups.
 class ValueFlow
 {
 public:

@@ -150,9 +150,9 @@ QByteArray rootElement(const QXmlStreamAttributes& given, const QByteArray& desc
         + "' style='--w:" + number(width) + "pt'>\n";
 }
 
-/// What an SVG picture draws, for use within a page: shapes and texts and nothing that acts, refers to
-/// something else or follows rules of its own. The policy of the page keeps out the same once more.
-/// Empty for what is no picture.
+/// What an SVG picture draws, for use within a page: shapes and texts and nothing that acts, refers
+/// to something else or follows rules of its own. The policy of the page keeps out the same once
+/// more. Empty for what is no picture.
 QByteArray drawnParts(const QByteArray& svg, const QByteArray& description)
 {
     QXmlStreamReader reader(svg);

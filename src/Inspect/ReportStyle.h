@@ -8,8 +8,8 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// How reports look. Text has a contrast of at least 4.5 to 1 in light and in dark. The colours at the
-/// end are those of toGraphviz(), which a dark page replaces.
+/// How reports look. Text has a contrast of at least 4.5 to 1 in light and in dark. The colours at
+/// the end are those of toGraphviz(), which a dark page replaces.
 const char kReportStyle[] = R"css(
 :root { color-scheme: light dark;
   --page: #ffffff; --card: #f8fafc; --line: #d5dce6; --text: #111827; --soft: #4b5563;

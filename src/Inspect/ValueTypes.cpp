@@ -64,8 +64,8 @@ bool isKnown(int type)
     }
 }
 
-/// Types whose bytes are read from documents of anybody: they neither nest nor take more memory than
-/// the bytes are long, and their bytes do not depend on the order of a hash.
+/// Types whose bytes are read from documents of anybody: they neither nest nor take more memory
+/// than the bytes are long, and their bytes do not depend on the order of a hash.
 bool isStreamable(int type)
 {
     switch (type) {

@@ -23,8 +23,8 @@ public:
     QString value(const char* option) const;
     /// The values of an option in their order.
     QStringList values(const char* option) const;
-    /// The value of an option as a number; \p otherwise without the option. Throws a Misuse if it is no
-    /// number from \p minimum to a million.
+    /// The value of an option as a number; \p otherwise without the option. Throws a Misuse if it
+    /// is no number from \p minimum to a million.
     int number(const char* option, int minimum, int otherwise) const;
 
     bool json() const { return has("json"); }

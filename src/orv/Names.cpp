@@ -18,14 +18,15 @@ namespace {
 
 const int kMostCandidates = 5;
 
-/// How many letters it takes to make one word of the other, each put in, left out, replaced or swapped
-/// with its neighbour; `limit` + 1 if they are more than that.
+/// How many letters it takes to make one word of the other, each put in, left out, replaced or
+/// swapped with its neighbour; `limit` + 1 if they are more than that.
 int distance(const QString& a, const QString& b, int limit)
 {
     const int tooFar = limit + 1;
     if (qAbs(a.size() - b.size()) > limit)
         return tooFar;
-    // Row by row through the table of the distances of all beginnings, within `limit` of its diagonal.
+    // Row by row through the table of the distances of all beginnings, within `limit` of its
+    // diagonal.
     QVector<int> beforeLast(b.size() + 1, tooFar);
     QVector<int> last(b.size() + 1, tooFar);
     QVector<int> row(b.size() + 1, tooFar);

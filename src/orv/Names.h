@@ -34,7 +34,8 @@ public:
     int parameter(const QString& path) const;
     /// The ports of a path, several where an input and an output share it.
     QVector<Inspect::PortRef> ports(const QString& path) const;
-    /// The one input or output among ports that were found for a path; its node is -1 if there is none.
+    /// The one input or output among ports that were found for a path; its node is -1 if there is
+    /// none.
     Inspect::PortRef onePort(const QString& path, const QVector<Inspect::PortRef>& ports,
                              bool isOutput) const;
 

@@ -33,8 +33,8 @@ public:
     static QVector<Option> options();
 
     /// \param trace records the calls with their times, if not null; must outlive this.
-    /// Throws a Misuse or a BadInput for what stands in the options, and a BadInput for a document of
-    /// which no renderer can be built.
+    /// Throws a Misuse or a BadInput for what stands in the options, and a BadInput for a document
+    /// of which no renderer can be built.
     Player(const Arguments& arguments, const Document& document, Inspect::Trace* trace);
 
     /// What follows answers the calls that passes have received, in their order.

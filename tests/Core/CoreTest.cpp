@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // The paths are kept for the life of the process, so each test runs in a process of its own, forked
-// from one that never asks for them. The executable's own readlink() takes the place of the system's.
+// from one that never asks for them. The executable's own readlink() takes the place of the
+// system's.
 
 #include <Kestrin/Orv/Core.h>
 

@@ -206,7 +206,8 @@ TEST(Diagnostics, AUtf8LocalEncodingCarriesEveryCharacter)
         messages[1].body().endsWith(QStringLiteral("failed: <") + name + QStringLiteral(">")));
 }
 
-// The logger reads what it is given as UTF-8: another local encoding costs the characters beyond ASCII.
+// The logger reads what it is given as UTF-8: another local encoding costs the characters beyond
+// ASCII.
 TEST(Diagnostics, TheTextIsHandedOnInTheLocalEncoding)
 {
     const LocalEncoding encoding("ISO-8859-1");

@@ -23,7 +23,8 @@ void PrintTo(const BadGraph& graph, std::ostream* out)
     *out << graph.name;
 }
 
-/// Expects one line for each problem, in the form in which compilers write them, and one in the end.
+/// Expects one line for each problem, in the form in which compilers write them, and one in the
+/// end.
 void expectProblems(const ProgramRun& run, const QString& file, const QStringList& problems)
 {
     QStringList lines = run.err.split(QLatin1Char('\n'));

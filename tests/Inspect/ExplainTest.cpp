@@ -870,8 +870,8 @@ TEST(ExplainProperties, WithTheNearestEndAsTargetThePassRuns)
             ++numFarther;
             EXPECT_EQ(told.nearestPath.first().node, told.nearest);
             EXPECT_EQ(told.nearestPath.last().node, node);
-            // It is an end: whatever else is the target, it is not needed. Odd graphs have edges that
-            // only the port that they enter knows of.
+            // It is an end: whatever else is the target, it is not needed. Odd graphs have edges
+            // that only the port that they enter knows of.
             for (int other = 0; random.kind != RandomRenderer::Odd && other < snapshot.nodes.size();
                  ++other) {
                 wiser.target = other;

@@ -72,8 +72,8 @@ struct Grouped : Host
     }
 };
 
-/// A small deferred renderer: shadow map, G-buffer, occlusion and bloom in groups, with one group in
-/// another, tone mapping.
+/// A small deferred renderer: shadow map, G-buffer, occlusion and bloom in groups, with one group
+/// in another, tone mapping.
 struct Deferred : Host
 {
     Deferred()

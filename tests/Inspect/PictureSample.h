@@ -89,7 +89,8 @@ private:
     int numPasses = 0;
 };
 
-/// A renderer as one might have it: a scene with shadows, bloom in a group, and passes in every state.
+/// A renderer as one might have it: a scene with shadows, bloom in a group, and passes in every
+/// state.
 struct SampleRenderer : SnapshotBuilder
 {
     int sun, time, picture;

@@ -141,8 +141,8 @@ private:
         const int node = below(2) == 0 ? 0 : anyNode();
         return renderer.renderPass(node) ? 0 : node;
     }
-    // What draws several numbers draws them in statements of their own: the order in which arguments
-    // are evaluated depends on the compiler.
+    // What draws several numbers draws them in statements of their own: the order in which
+    // arguments are evaluated depends on the compiler.
     void addNode()
     {
         const bool isGroup = below(3) == 0;
@@ -266,8 +266,8 @@ void forRandomRenderers(Check check)
     }
 }
 
-/// A snapshot filled with refs and indices that lie anywhere, most of them just in or just beside the
-/// tables.
+/// A snapshot filled with refs and indices that lie anywhere, most of them just in or just beside
+/// the tables.
 inline Kestrin::Orv::Inspect::Snapshot randomTables(unsigned seed)
 {
     using namespace Kestrin::Orv::Inspect;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// Writes reports for a browser to look at: usual.html, text.html (without a picture) and hostile.html,
-// whose names and picture try everything to be more than text.
+// Writes reports for a browser to look at: usual.html, text.html (without a picture) and
+// hostile.html, whose names and picture try everything to be more than text.
 
 #include "ReportSample.h"
 

@@ -40,7 +40,8 @@ enum class PassCall {
     ORV_PASS_CALLS(ORV_ENUMERATOR)
 #undef ORV_ENUMERATOR
 };
-/// The operations before this one are those that a renderer calls during setup, frames and teardown.
+/// The operations before this one are those that a renderer calls during setup, frames and
+/// teardown.
 const int kNumPassCalls = static_cast<int>(PassCall::teardownContextData);
 
 /// One call that a pass received.

@@ -9,7 +9,8 @@
 
 #include <pthread.h>
 
-/// Runs the work to its end on a stack of 256 KiB, which no recursion to a depth of thousands fits on.
+/// Runs the work to its end on a stack of 256 KiB, which no recursion to a depth of thousands fits
+/// on.
 inline void runOnSmallStack(std::function<void()> work)
 {
     pthread_attr_t attributes;

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // Qt is not built with ThreadSanitizer, which therefore does not see what QMutex orders and reports
-// races where there are none. Linked into an executable, this tells it; in other builds it is empty.
+// races where there are none. Linked into an executable, this tells it; in other builds it is
+// empty.
 
 #if defined(__has_feature)
 #    if __has_feature(thread_sanitizer)

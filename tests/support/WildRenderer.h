@@ -20,8 +20,8 @@
 #include <string>
 #include <vector>
 
-/// A renderer grown from bytes: any tree with any wiring that the graph takes, names of all kinds, and
-/// values of many.
+/// A renderer grown from bytes: any tree with any wiring that the graph takes, names of all kinds,
+/// and values of many.
 class WildRenderer
 {
 public:

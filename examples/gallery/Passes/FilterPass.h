@@ -23,8 +23,8 @@ public:
     FilterPass* texture(const char* inputName, const QColor& defaultColor);
     FilterPass* value(const char* inputName, const QVariant& defaultValue);
     FilterPass* target(const char* outputName, GLenum format);
-    /// Makes the targets as large as the texture at this input; a texel if no pass feeds it. Without
-    /// this, they are as large as the frame.
+    /// Makes the targets as large as the texture at this input; a texel if no pass feeds it.
+    /// Without this, they are as large as the frame.
     FilterPass* sizedLike(const char* inputName);
     /// Makes the targets smaller.
     FilterPass* scaledDown(int divisor);

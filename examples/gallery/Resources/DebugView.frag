@@ -25,7 +25,8 @@ void main()
     else if (tile == 1)
         color = texture(uNormal, uv).xyz * 0.5 + 0.5;
     else if (tile == 2)
-        color = vec3(clamp((12.0 + viewPosition(uv, texture(uDepth, uv).r, uProjection).z) / 10.0, 0.0, 1.0));
+        color = vec3(clamp((12.0 + viewPosition(uv, texture(uDepth, uv).r, uProjection).z) / 10.0,
+                           0.0, 1.0));
     else if (tile == 3)
         color = vec3(1.0 - texture(uShadowDepth, uv).r);
     else if (tile == 4)

@@ -48,7 +48,8 @@ float shadow(vec3 world, vec3 worldNormal, float cosine)
     if (any(greaterThan(abs(at.xy - 0.5), vec2(0.49))))
         return 1.0;
     float bias = 0.0008 + 0.0016 * (1.0 - cosine);
-    float turn = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715)))) * 2.0 * PI;
+    float noise = fract(52.9829189 * fract(dot(gl_FragCoord.xy, vec2(0.06711056, 0.00583715))));
+    float turn = noise * 2.0 * PI;
     float lit = 0.0;
     const int taps = 12;
     for (int i = 0; i < taps; ++i) {

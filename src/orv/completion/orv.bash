@@ -44,7 +44,8 @@ _orv()
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W \
-            "$(orv help "$command" 2>/dev/null | sed -n 's/^  [- ].*\(--[a-z]*\).*/\1/p')" -- "$current")
+            "$(orv help "$command" 2>/dev/null \
+                | sed -n 's/^  [- ].*\(--[a-z]*\).*/\1/p')" -- "$current")
     elif [ "$command" = explain ] && [ "$COMP_CWORD" -gt 2 ]; then
         while IFS= read -r name; do
             [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// Compaction leaves the hierarchy fields by a rule of their own: lists of children that are no tree,
-// parents that are their own children, edges that are of no kind or of two. Every operation still
-// ends and stays inside the tables.
+// Compaction leaves the hierarchy fields by a rule of their own: lists of children that are no
+// tree, parents that are their own children, edges that are of no kind or of two. Every operation
+// still ends and stays inside the tables.
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Graphviz.h>

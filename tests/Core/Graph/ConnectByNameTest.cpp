@@ -853,8 +853,9 @@ TEST_F(ConnectDownByName, InputsThatFeedOthersAreNoReasonToSkipThem)
     EXPECT_NE(graph.inputSource(child, 0), -1);
 }
 
-// A port that has moved keeps its edges, whose stored index is the old one: their removal leaves them
-// listed. Only the first in the list decides what the port feeds, and a removed edge is of no kind.
+// A port that has moved keeps its edges, whose stored index is the old one: their removal leaves
+// them listed. Only the first in the list decides what the port feeds, and a removed edge is of no
+// kind.
 
 TEST_F(ConnectDownByName, OnlyTheFirstEdgeOfAParentInputCounts)
 {

@@ -27,14 +27,14 @@ ORV_INSPECT_EXPORT QVector<QString> diffCodes();
 
 /// What has changed from one snapshot to another, by name and not by ref: nodes and ports added,
 /// removed, renamed or moved to another group, inputs rewired, flags, types, defaults, parameters,
-/// outputs and the target changed. Empty for two that are written as the same document; the other way
-/// round, two without a change differ in the order of nodes and edges at most.
+/// outputs and the target changed. Empty for two that are written as the same document; the other
+/// way round, two without a change differ in the order of nodes and edges at most.
 ///
 /// Nodes are the same that have the same path; failing that, what looks alike from outside is taken
 /// for renamed or moved, and its children go with it. First come the changes of the renderer and of
-/// nodes that there are, in the order of the newer tree from the root down, then the nodes that are gone.
-/// Linear in what the snapshots hold and in the length of the texts; where many nodes have been
-/// renamed, their agreements are sorted as well.
+/// nodes that there are, in the order of the newer tree from the root down, then the nodes that are
+/// gone. Linear in what the snapshots hold and in the length of the texts; where many nodes have
+/// been renamed, their agreements are sorted as well.
 ORV_INSPECT_EXPORT QVector<Change> diff(const Snapshot& before, const Snapshot& after);
 
 /// The changes for people: one line each, "code path: before -> after", ending with a line break;

@@ -44,11 +44,11 @@ struct Places
 
 /// How values of types that JSON does not know are written and read.
 ///
-/// Known from the start: bool, int, uint, qlonglong, qulonglong, float, double, QString, QStringList,
-/// QByteArray, QVariantList and QVariantMap. A value of another type is written through what the host
-/// has added here; failing that as the bytes of QDataStream; failing that it is lost, which
-/// writeDocument() tells. A reader that does not know a type keeps the value as it stands in the
-/// document (see ForeignValue) and writes it as it was.
+/// Known from the start: bool, int, uint, qlonglong, qulonglong, float, double, QString,
+/// QStringList, QByteArray, QVariantList and QVariantMap. A value of another type is written
+/// through what the host has added here; failing that as the bytes of QDataStream; failing that it
+/// is lost, which writeDocument() tells. A reader that does not know a type keeps the value as it
+/// stands in the document (see ForeignValue) and writes it as it was.
 class ORV_INSPECT_EXPORT ValueTypes
 {
 public:
@@ -94,12 +94,12 @@ struct ReadResult
 };
 
 /// Reads a document. Everything wrong is reported at once, in the order of the text and without
-/// repetition: what follows from a problem reported already is not a problem of its own. Whatever the
-/// bytes are, the answer is a sound snapshot or at least one problem.
+/// repetition: what follows from a problem reported already is not a problem of its own. Whatever
+/// the bytes are, the answer is a sound snapshot or at least one problem.
 ///
-/// Edges must be such that a graph accepts them in the order of the document; one that it would refuse
-/// is reported with the rule that refuses it. Linear in the size of the document; where passes are
-/// wired in a circle, the connections within the circle are tried one by one.
+/// Edges must be such that a graph accepts them in the order of the document; one that it would
+/// refuse is reported with the rule that refuses it. Linear in the size of the document; where
+/// passes are wired in a circle, the connections within the circle are tried one by one.
 ORV_INSPECT_EXPORT ReadResult readDocument(const QByteArray& json,
                                            const ValueTypes& types = ValueTypes());
 
@@ -125,12 +125,12 @@ private:
     Maker fallback;
 };
 
-/// Builds what a snapshot shows in a renderer that holds nothing but its root: the document, read and
-/// built, gives a renderer whose snapshot is written as the same document. Removed nodes and edges are
-/// left out, so refs may differ.
+/// Builds what a snapshot shows in a renderer that holds nothing but its root: the document, read
+/// and built, gives a renderer whose snapshot is written as the same document. Removed nodes and
+/// edges are left out, so refs may differ.
 /// \return what stands in the way: types that the factory does not know, passes whose ports are not
-/// those of the document, a renderer that is not empty, edges that the graph refuses. When it is not
-/// empty, the renderer has been left as it was.
+/// those of the document, a renderer that is not empty, edges that the graph refuses. When it is
+/// not empty, the renderer has been left as it was.
 ///
 /// Takes the time of the graph's own calls: Graph::addEdge() tests each edge for cycles.
 ORV_INSPECT_EXPORT QVector<Problem> buildRenderer(const Snapshot& snapshot, Renderer& renderer,

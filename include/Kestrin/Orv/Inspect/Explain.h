@@ -38,11 +38,11 @@ struct NodeExplanation
     bool needed = false;
     /// What needs it first: the index of an output of the renderer; -1 for the target.
     int output = -1;
-    /// The ports from that output, or from the target's input, back to the node's own output, the way
-    /// that the renderer goes. Empty if nothing needs it, and for the target itself.
+    /// The ports from that output, or from the target's input, back to the node's own output, the
+    /// way that the renderer goes. Empty if nothing needs it, and for the target itself.
     QVector<PortRef> path;
-    /// For a pass that nothing needs: the node downstream of it, or itself, where the way to an output
-    /// ends first: make it the target or feed an output from it, and the pass runs.
+    /// For a pass that nothing needs: the node downstream of it, or itself, where the way to an
+    /// output ends first: make it the target or feed an output from it, and the pass runs.
     int nearest = -1;
     /// The ports from `nearest` back to the node; empty if they are the same.
     QVector<PortRef> nearestPath;
@@ -83,9 +83,9 @@ struct EdgeExplanation
         AlreadyFed,
         LeavesGroup, ///< the oldest edge that leaves the output is not a regular one
         Cycle,
-        /// The nodes are not siblings, nor a group and its child where the ports would need it. No call
-        /// makes such an edge, but for one from an output to an input: Graph::addEdge() does not ask,
-        /// and what it makes does not carry that output.
+        /// The nodes are not siblings, nor a group and its child where the ports would need it. No
+        /// call makes such an edge, but for one from an output to an input: Graph::addEdge() does
+        /// not ask, and what it makes does not carry that output.
         NotRelated
     };
 
@@ -113,14 +113,14 @@ public:
     explicit Explainer(const Snapshot& snapshot);
     ~Explainer();
 
-    /// Why a node runs or not. Linear in the length of the path told, for a pass that nothing needs in
-    /// what lies downstream of it.
+    /// Why a node runs or not. Linear in the length of the path told, for a pass that nothing needs
+    /// in what lies downstream of it.
     NodeExplanation node(int ref) const;
     /// Where an input's value comes from. Linear in the group boundaries crossed.
     InputExplanation input(int node, int index) const;
-    /// Whether the graph would take a new edge, and if not, why not. Which kind of edge follows from
-    /// the nodes: siblings, a group's input to its child, a child's output to its group.
-    /// Takes the time of Graph::precedes().
+    /// Whether the graph would take a new edge, and if not, why not. Which kind of edge follows
+    /// from the nodes: siblings, a group's input to its child, a child's output to its group. Takes
+    /// the time of Graph::precedes().
     EdgeExplanation edge(const PortRef& from, const PortRef& to) const;
 
     /// Why a node runs or not, in words.

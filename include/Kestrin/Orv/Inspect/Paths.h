@@ -40,10 +40,11 @@ inline bool operator!=(const PortRef& a, const PortRef& b)
 ///     Bloom/Blur[1]            the second of Bloom's children of that name
 ///     Bloom/Blur.color[0]      the first of Blur's inputs (or outputs) of that name
 ///
-/// Numbers in brackets stand only where names are not unique, and after an empty name. In a name the
-/// characters % / . [ ] and > are written as %25 %2F %2E %5B %5D %3E, control characters likewise.
-/// The path of the root is empty. A removed node is written with its ref, Bloom/Blur[removed 12], and
-/// so is one that its parent does not list, Bloom/Blur[unlisted 12]; those paths are not found again.
+/// Numbers in brackets stand only where names are not unique, and after an empty name. In a name
+/// the characters % / . [ ] and > are written as %25 %2F %2E %5B %5D %3E, control characters
+/// likewise. The path of the root is empty. A removed node is written with its ref,
+/// Bloom/Blur[removed 12], and so is one that its parent does not list, Bloom/Blur[unlisted 12];
+/// those paths are not found again.
 ///
 /// Keeps a reference to the snapshot, which must neither change nor go while this is used.
 class ORV_INSPECT_EXPORT Paths
@@ -65,10 +66,11 @@ public:
     static QString escaped(const QString& name);
 
     /// The nodes that a path names: none, one, or all that it may mean where it leaves out a number
-    /// in brackets. Removed nodes are not found. Linear in the length of the path and in what is found.
+    /// in brackets. Removed nodes are not found. Linear in the length of the path and in what is
+    /// found.
     QVector<int> findNodes(const QString& path) const;
-    /// The ports that a path names, as above; inputs come first. An input and an output may have the
-    /// same path.
+    /// The ports that a path names, as above; inputs come first. An input and an output may have
+    /// the same path.
     QVector<PortRef> findPorts(const QString& path) const;
 
 private:

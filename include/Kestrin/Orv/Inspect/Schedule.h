@@ -18,11 +18,11 @@ struct Schedule
     QVector<int> order;     ///< the nodes of the passes that run, in their order of execution
     QVector<int> positions; ///< by node ref: its position in `order`; -1 for one that does not run
     QVector<bool> needed; ///< by node ref: reached from an output or the target, disabled ones too
-    /// By node ref: the port that led to it first, an output of the renderer or an input of a node that
-    /// was reached before; its node is -1 for the target itself and for what is not needed.
+    /// By node ref: the port that led to it first, an output of the renderer or an input of a node
+    /// that was reached before; its node is -1 for the target itself and for what is not needed.
     QVector<PortRef> reachedBy;
-    /// By node ref and output index: the number of users that the pass is told; empty for nodes that do
-    /// not run.
+    /// By node ref and output index: the number of users that the pass is told; empty for nodes
+    /// that do not run.
     QVector<QVector<int>> users;
 };
 

@@ -81,8 +81,8 @@ public:
     /// A renderer with nothing in it but the root.
     Snapshot();
     /// What \p renderer looks like now, removed nodes and edges included. Calls numInputs() and
-    /// defaultValue() of its passes, and \p typeOf, if there is one, once for each pass; a pass that
-    /// this library has made knows its type without it. Linear in what the graph holds.
+    /// defaultValue() of its passes, and \p typeOf, if there is one, once for each pass; a pass
+    /// that this library has made knows its type without it. Linear in what the graph holds.
     static Snapshot of(Renderer& renderer, const TypeOf& typeOf = TypeOf());
 
     /// The node of a ref.

@@ -14,8 +14,9 @@ namespace Inspect {
 
 /// A pass that has the ports and defaults of another and puts numbers through them.
 ///
-/// At every start each output becomes a number (a uint) that follows from the node's name, the output's index
-/// and the inputs' current values, so that a change anywhere upstream shows in everything downstream.
+/// At every start each output becomes a number (a uint) that follows from the node's name, the
+/// output's index and the inputs' current values, so that a change anywhere upstream shows in
+/// everything downstream.
 class ORV_INSPECT_EXPORT StandInPass : public RenderPassHelper
 {
 public:

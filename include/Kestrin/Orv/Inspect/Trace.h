@@ -80,9 +80,9 @@ struct TraceSummary
 
 /// Records when the passes are called that stand behind a TracedPass.
 ///
-/// Takes room for all its events when it is made, 32 bytes each, of which the system provides what is
-/// used: recording allocates nothing. When the room is full, recording stops until clear(), and what
-/// no longer fits is counted. The table of passes grows with each TracedPass that is made.
+/// Takes room for all its events when it is made, 32 bytes each, of which the system provides what
+/// is used: recording allocates nothing. When the room is full, recording stops until clear(), and
+/// what no longer fits is counted. The table of passes grows with each TracedPass that is made.
 ///
 /// Used on the thread of the passes. Times are those of a steady clock.
 class ORV_INSPECT_EXPORT Trace
@@ -113,27 +113,28 @@ public:
     Detail detail() const; ///< what is recorded
 
     /// Opens a frame; before Renderer::render(). A frame that is still open, because something was
-    /// thrown, ends with the last thing recorded in it. Does nothing during a call of a traced pass.
+    /// thrown, ends with the last thing recorded in it. Does nothing during a call of a traced
+    /// pass.
     void beginFrame();
-    /// Closes the frame; after Renderer::render(). Does nothing when none is open, and during a call
-    /// of a traced pass.
+    /// Closes the frame; after Renderer::render(). Does nothing when none is open, and during a
+    /// call of a traced pass.
     void endFrame();
-    /// Forgets all events and counts, an open frame included; the next frame is number 0. Passes and
-    /// the time from which events count stay.
+    /// Forgets all events and counts, an open frame included; the next frame is number 0. Passes
+    /// and the time from which events count stay.
     void clear();
 
     /// Number of passes ever made with this trace.
     int numPasses() const;
     /// What a pass is called; empty for one that there is not.
     QString passName(int pass) const;
-    /// Names all traced passes of a renderer by the paths of their nodes, in their traces. Linear in
-    /// what the renderer holds.
+    /// Names all traced passes of a renderer by the paths of their nodes, in their traces. Linear
+    /// in what the renderer holds.
     static void namePasses(Renderer& renderer);
     /// How often an operation of a pass was called, whatever was recorded; 0 for all that is none.
     qint64 numCalls(int pass, TraceEvent::Kind operation) const;
 
-    /// What files call a kind of event: the operation's name, "frame", "wait" or "destructor". Empty
-    /// for what is no kind.
+    /// What files call a kind of event: the operation's name, "frame", "wait" or "destructor".
+    /// Empty for what is no kind.
     static QString kindName(TraceEvent::Kind kind);
 
     /// Number of events recorded, those included that have not ended yet.
@@ -144,10 +145,10 @@ public:
     /// after it. Events never overlap in part. Linear.
     QVector<TraceEvent> events() const;
 
-    /// One line for each pass in the order in which they were made: the time of its life-cycle calls
-    /// and of the wait for it, frame by frame. Calls within calls of the same pass count once. Only
-    /// frames that have ended and that were recorded to their end count, here and in frames().
-    /// Takes the time of sorting the values.
+    /// One line for each pass in the order in which they were made: the time of its life-cycle
+    /// calls and of the wait for it, frame by frame. Calls within calls of the same pass count
+    /// once. Only frames that have ended and that were recorded to their end count, here and in
+    /// frames(). Takes the time of sorting the values.
     QVector<TraceSummary> passes() const;
     /// What whole frames took.
     TraceSummary frames() const;
@@ -164,8 +165,8 @@ private:
     std::shared_ptr<Recording> recording; // shared with the passes
 };
 
-/// Stands between a renderer and a pass: hands every operation on, with its arguments and results, and
-/// has it recorded.
+/// Stands between a renderer and a pass: hands every operation on, with its arguments and results,
+/// and has it recorded.
 class ORV_INSPECT_EXPORT TracedPass : public RenderPass
 {
 public:
@@ -180,8 +181,8 @@ public:
 
     /// The pass behind this one, which this keeps owning.
     RenderPass* pass() const;
-    /// The pass that does the work: what is behind \p pass if that is a TracedPass, and behind the next
-    /// one, and so on; else \p pass itself. Null for null.
+    /// The pass that does the work: what is behind \p pass if that is a TracedPass, and behind the
+    /// next one, and so on; else \p pass itself. Null for null.
     static const RenderPass* innermost(const RenderPass* pass);
     static RenderPass* innermost(RenderPass* pass); ///< the same
     /// The index of this pass in its trace.
