@@ -9,6 +9,7 @@
 #include <QtCore/QStringList>
 
 #include <exception>
+#include <utility>
 
 namespace Kestrin::Orv::Program {
 
@@ -17,8 +18,8 @@ class Output;
 /// A command line that a command does not take.
 struct Misuse : std::exception
 {
-    explicit Misuse(const QString& what)
-        : text(what)
+    explicit Misuse(QString what)
+        : text(std::move(what))
     {
     }
     QString text; ///< goes on from "orv COMMAND: "
@@ -27,8 +28,8 @@ struct Misuse : std::exception
 /// Something outside the documents that failed: a file that cannot be written, a missing program.
 struct Failure : std::exception
 {
-    explicit Failure(const QString& what)
-        : text(what)
+    explicit Failure(QString what)
+        : text(std::move(what))
     {
     }
     QString text;
@@ -37,16 +38,15 @@ struct Failure : std::exception
 /// What is wrong with a file that was to be read, or with a name that it does not hold.
 struct BadInput : std::exception
 {
-    BadInput(const QString& name, const QVector<Inspect::Problem>& all)
-        : file(name)
-        , problems(all)
+    BadInput(QString name, QVector<Inspect::Problem> all)
+        : file(std::move(name))
+        , problems(std::move(all))
     {
     }
-    BadInput(const QString& name, const char* code, const QString& text,
-             const QStringList& names = QStringList())
-        : file(name)
+    BadInput(QString name, const char* code, const QString& text, QStringList names = QStringList())
+        : file(std::move(name))
         , problems{{QString::fromLatin1(code), text, {}}}
-        , candidates(names)
+        , candidates(std::move(names))
     {
     }
     QString file; ///< as shownName() has it
