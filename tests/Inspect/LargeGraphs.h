@@ -11,10 +11,6 @@
 #include "support/Growth.h"
 #include "support/LightPass.h"
 
-#include <algorithm>
-#include <ctime>
-#include <limits>
-
 // Snapshots of one size and of extreme shape, for the tests of growth. In each, one output of the
 // renderer leads to all passes and the node `deepest` is the last that the renderer comes to.
 
@@ -112,35 +108,5 @@ struct LargeNest : LargeGraph
         take();
     }
 };
-
-/// The least of several times that the processor spends on the work.
-template<typename Subject>
-double processorTime(int size, void (*work)(Subject&))
-{
-    double best = std::numeric_limits<double>::max();
-    for (int i = 0; i < 4; ++i) {
-        Subject subject(size);
-        const std::clock_t start = std::clock();
-        work(subject);
-        best = std::min(best, static_cast<double>(std::clock() - start));
-    }
-    return best;
-}
-
-/// Eight times the size takes eight times the time when the work is linear, 64 times when it is
-/// quadratic. What lies between leaves room for what the caches no longer hold.
-template<typename Subject>
-void expectLinearUpTo(int size, void (*work)(Subject&))
-{
-    if (!timesCount())
-        GTEST_SKIP() << "times mean nothing here";
-    double ratio = 0;
-    for (int attempt = 0; attempt < 3; ++attempt) {
-        ratio = processorTime(size, work) / processorTime(size / 8, work);
-        if (ratio < 30)
-            return;
-    }
-    ADD_FAILURE() << "eight times the size takes " << ratio << " times as long";
-}
 
 #endif

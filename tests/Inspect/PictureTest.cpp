@@ -587,17 +587,17 @@ void draw(Subject& subject)
 
 } // namespace
 
-TEST(Picture, OfAChainTakesLinearTime)
+TEST(PictureGrowth, OfAChainTakesLinearTime)
 {
     expectLinear<Chain>(10000, draw<Chain>);
 }
 
-TEST(Picture, OfGroupsInGroupsTakesLinearTime)
+TEST(PictureGrowth, OfGroupsInGroupsTakesLinearTime)
 {
     expectLinear<Nest>(5000, draw<Nest>);
 }
 
-TEST(Picture, OfManyPortsTakesLinearTime)
+TEST(PictureGrowth, OfManyPortsTakesLinearTime)
 {
     expectLinear<ManyPorts>(20000, draw<ManyPorts>);
 }

@@ -632,7 +632,7 @@ struct Chain
 
 } // namespace
 
-TEST(Report, OfAChainTakesLinearTime)
+TEST(ReportGrowth, OfAChainTakesLinearTime)
 {
     expectLinear<Chain>(10000,
                         [](Chain& chain) { EXPECT_GT(report(chain.builder.snapshot).size(), 0); });

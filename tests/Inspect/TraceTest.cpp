@@ -123,8 +123,8 @@ struct MaybeTraced : Scene
     bool traced;
 };
 
-/// Runs a scene without and with decoration, in both details, and expects the same log of all calls,
-/// from registration to destruction.
+/// Runs a scene without and with decoration, in both details, and expects the same log of all
+/// calls, from registration to destruction.
 template<typename Story>
 void expectSameLog(Story story)
 {
@@ -1451,7 +1451,7 @@ struct WideFrame
 
 } // namespace
 
-TEST(TraceScale, SummariesGrowWithTheEvents)
+TEST(TraceGrowth, SummariesGrowWithTheEvents)
 {
     expectLinear<WideFrame>(100000, [](WideFrame& frame) {
         const QVector<TraceSummary> passes = frame.trace.passes();
@@ -1459,7 +1459,7 @@ TEST(TraceScale, SummariesGrowWithTheEvents)
     });
 }
 
-TEST(TraceScale, FileGrowsWithTheEvents)
+TEST(TraceGrowth, FileGrowsWithTheEvents)
 {
     expectLinear<WideFrame>(
         100000, [](WideFrame& frame) { EXPECT_GT(frame.trace.toTraceEvents().size(), 3000000); });

@@ -4,12 +4,10 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>
 
+#include "support/Growth.h"
+
 #include <gtest/gtest.h>
 
-#include <malloc.h>
-#include <time.h>
-
-#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -22,33 +20,14 @@ namespace {
 
 using Work = std::function<void()>;
 
-double secondsOf(const Work& work)
-{
-    // What is freed stays mapped: the first touch of a page costs more than the work in it.
-    static const int kept = mallopt(M_MMAP_THRESHOLD, 1 << 30) + mallopt(M_TRIM_THRESHOLD, 1 << 30);
-    (void)kept;
-    // The processor time of this thread: other processes do not count.
-    timespec before, after;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &before);
-    work();
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &after);
-    return static_cast<double>(after.tv_sec - before.tv_sec)
-        + 1e-9 * static_cast<double>(after.tv_nsec - before.tv_nsec);
-}
-
 /// \param prepare makes, for a size, the work to be timed once.
 void expectLinear(int size, const std::function<Work(int)>& prepare)
 {
-    // The best of several rounds, a small and a large one in turn, until the answer is clear.
-    double small = 1e9, large = 1e9;
-    for (int round = 0; round < 12; ++round) {
-        small = std::min(small, secondsOf(prepare(size)));
-        large = std::min(large, secondsOf(prepare(2 * size)));
-        if (round >= 3 && large <= 2.5 * small)
-            break;
-    }
-    EXPECT_LE(large, 2.5 * small) << "for " << size << " it took " << small << " s, for twice that "
-                                  << large << " s";
+    if (!timesCount())
+        GTEST_SKIP() << "times mean nothing here";
+    expectGrowthBelow(
+        2.5, [&] { return processorSeconds(prepare(size)); },
+        [&] { return processorSeconds(prepare(2 * size)); });
 }
 
 /// A node whose one output feeds so many others.
