@@ -8,7 +8,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # What building the library, its examples and its tests takes on Debian 12.
 build_packages=(
     cmake ninja-build g++ pkg-config qtbase5-dev
-    libassimp-dev zlib1g-dev assimp-testmodels libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
+    libassimp-dev zlib1g-dev assimp-testmodels
+    libepoxy-dev libegl-dev libegl1 libegl-mesa0 libgl1-mesa-dri libgles2
     graphviz
 )
 package_packages=(
@@ -17,6 +18,12 @@ package_packages=(
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
     abigail-tools chromium python3-jsonschema "${package_packages[@]}"
+)
+m32_packages=(
+    g++-multilib
+)
+lto_packages=(
+    lld
 )
 check_packages=(
     git clang-format-14 clang-tidy-14

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -109,7 +110,7 @@ public:
     void insert(Id id, TraceEvent::Kind kind, int pass, qint64 beginNs)
     {
         if (id >= firstId && id <= nextId() && fits()) {
-            events.insert(events.begin() + (id - firstId),
+            events.insert(events.begin() + static_cast<std::ptrdiff_t>(id - firstId),
                           TraceEvent{kind, pass, frame, 0, beginNs, now()});
         }
     }

@@ -13,6 +13,11 @@
 
 using namespace Kestrin::Orv;
 
+/// Skips a test of offsets and sizes that are on record for 64 bits, as releases are built.
+#define ORV_ONLY_WITH_64_BITS()                                                                    \
+    if (sizeof(void*) != 8)                                                                        \
+    GTEST_SKIP() << "on record are the layouts of 64 bits"
+
 namespace {
 
 /// How far a member lies behind the start of its object.
@@ -70,6 +75,7 @@ TEST(AbiLayout, InterfacesHoldNothingButTheirVirtualTable)
 
 TEST(AbiLayout, RawMemoryHoldsItsBufferAndThenItsSize)
 {
+    ORV_ONLY_WITH_64_BITS();
     EXPECT_EQ(sizeof(RawMemory), 24U);
     auto* bytes = new unsigned char[5];
     const RawMemory memory(bytes, 5);
@@ -80,18 +86,21 @@ TEST(AbiLayout, RawMemoryHoldsItsBufferAndThenItsSize)
 
 TEST(AbiLayout, PassHelperMembersStandInOrder)
 {
+    ORV_ONLY_WITH_64_BITS();
     EXPECT_EQ(sizeof(RenderPassHelper), 880U);
     OpenPassHelper().expectOrder();
 }
 
 TEST(AbiLayout, HistogramFieldsStandInOrder)
 {
+    ORV_ONLY_WITH_64_BITS();
     EXPECT_EQ(sizeof(HistogramFrameTimes), 48U);
     OpenHistogram().expectOrder();
 }
 
 TEST(AbiLayout, WalkersKeepTheirSizes)
 {
+    ORV_ONLY_WITH_64_BITS();
     EXPECT_EQ(sizeof(BottomUpInputWalker), 32U);
     EXPECT_EQ(sizeof(BottomUpSubgraphWalker), 16U);
     EXPECT_EQ(sizeof(BreadthFirstInputWalker), 40U);
@@ -126,6 +135,7 @@ TEST(AbiLayout, WalkerFieldsStandInOrder)
 
 TEST(AbiLayout, GraphRecordsStandInOrder)
 {
+    ORV_ONLY_WITH_64_BITS();
     EXPECT_EQ(sizeof(Node), 64U);
     EXPECT_EQ(offsetof(Node, name), 0U);
     EXPECT_EQ(offsetof(Node, parent), 8U);

@@ -7,9 +7,16 @@
 #include <Kestrin/Orv/QtVersion.h>
 
 /// ORV_INSPECT_EXPORT marks what libOrvInspect exports; everything else is hidden. It is empty in a
-/// static build, which defines ORV_CORE_STATIC for itself and its users.
+/// static build, which defines ORV_CORE_STATIC for itself and its users. On Windows,
+/// OrvInspect_EXPORTS is defined where the library is built.
 #if defined(ORV_CORE_STATIC)
 #    define ORV_INSPECT_EXPORT
+#elif defined(_WIN32)
+#    if defined(OrvInspect_EXPORTS)
+#        define ORV_INSPECT_EXPORT __declspec(dllexport)
+#    else
+#        define ORV_INSPECT_EXPORT __declspec(dllimport)
+#    endif
 #else
 #    define ORV_INSPECT_EXPORT __attribute__((visibility("default")))
 #endif
