@@ -4,9 +4,11 @@
 # Warnings, sanitizers and coverage for a target of this project.
 function(orv_compile_options target)
   target_compile_features(${target} PRIVATE cxx_std_17)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
-  if(ORV_WERROR)
-    target_compile_options(${target} PRIVATE -Werror)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /utf-8 $<$<BOOL:${ORV_WERROR}>:/WX>)
+  else()
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+      $<$<BOOL:${ORV_WERROR}>:-Werror>)
   endif()
   target_compile_definitions(${target} PRIVATE
     QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_FOREACH

@@ -55,7 +55,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         case 1:
             return ULONG_MAX - bytes.byte() * 64;
         case 2:
-            return static_cast<unsigned long>(bytes.word()) << 32 | bytes.word();
+            return static_cast<unsigned long>(quint64{bytes.word()} << 32 | bytes.word());
         case 3:
             return 4094 + bytes.byte() % 5;
         default:

@@ -23,7 +23,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         case 1:
             return ULONG_MAX - bytes.byte() % 64;
         case 2:
-            return static_cast<unsigned long>(bytes.word()) << 32 | bytes.word();
+            return static_cast<unsigned long>(quint64{bytes.word()} << 32 | bytes.word());
         default:
             return bytes.byte() % 64;
         }
