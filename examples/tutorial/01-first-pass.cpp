@@ -5,7 +5,6 @@
 
 #include "Passes.h"
 
-//! [program]
 int main()
 {
     Renderer renderer;
@@ -20,4 +19,3 @@ int main()
     show(renderer.output(picture));
     renderer.teardown(nullptr);
 }
-//! [program]

@@ -3,11 +3,11 @@
 
 // A parameter feeds a pass, and that pass another.
 
+//! [register]
 #include "Passes.h"
 
 int main()
 {
-    //! [register]
     Renderer renderer;
     const int trail = renderer.addPass(QStringLiteral("trail"), new TrailPass, Graph::kRootNodeRef);
     const int ball = renderer.addPass(QStringLiteral("ball"), new BallPass, Graph::kRootNodeRef);
@@ -30,5 +30,5 @@ int main()
         show(renderer.output(picture));
     }
     renderer.teardown(nullptr);
-    //! [frames]
 }
+//! [frames]

@@ -3,6 +3,7 @@
 
 // Inputs that nothing live feeds take their defaults.
 
+//! [register]
 #include "Passes.h"
 
 int main()
@@ -17,6 +18,8 @@ int main()
     Graph* graph = renderer.getGraph();
     graph->addDownEdgeByName(QStringLiteral("time"), ball, QStringLiteral("position"));
     graph->addEdgeByName(ball, QStringLiteral("color"), trail, QStringLiteral("color"));
+    //! [register]
+
     //! [wire]
     graph->addEdgeByName(trail, QStringLiteral("color"), over, QStringLiteral("foreground"));
     graph->addUpEdgeByName(QStringLiteral("picture"), over, QStringLiteral("color"));
@@ -33,6 +36,6 @@ int main()
         renderer.render(nullptr);
         show(renderer.output(picture));
     }
-    //! [frames]
     renderer.teardown(nullptr);
 }
+//! [frames]

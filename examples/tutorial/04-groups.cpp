@@ -3,6 +3,7 @@
 
 // Two passes become a group, which the rest of the graph sees as one node.
 
+//! [group]
 #include "Passes.h"
 
 int main()
@@ -12,7 +13,6 @@ int main()
     const int picture = renderer.addOutput(QStringLiteral("picture"));
     Graph* graph = renderer.getGraph();
 
-    //! [group]
     const int sprite = renderer.addGroup(QStringLiteral("sprite"), 0, 0, Graph::kRootNodeRef);
     graph->addInput(sprite, QStringLiteral("position"), Graph::kInvalidGroupRef);
     graph->addOutput(sprite, QStringLiteral("color"), Graph::kInvalidGroupRef);
@@ -26,18 +26,21 @@ int main()
     graph->connectByName(ball, trail); // the ball's "color" feeds the trail's
     graph->connectUpByName(trail);     // the trail's "color" feeds the group's
     //! [inside]
+
     //! [outside]
     graph->addDownEdgeByName(QStringLiteral("time"), sprite, QStringLiteral("position"));
     graph->addEdgeByName(sprite, QStringLiteral("color"), over, QStringLiteral("foreground"));
     graph->addUpEdgeByName(QStringLiteral("picture"), over, QStringLiteral("color"));
     //! [outside]
 
+    //! [frames]
     renderer.setup(nullptr);
     for (int frame = 0; frame < 3; ++frame) {
         renderer.setParameter(time, 3 + frame);
         renderer.render(nullptr);
         show(renderer.output(picture));
     }
+    //! [frames]
 
     //! [find]
     std::printf("at the top: %d\n", renderer.findPass(QStringLiteral("ball")));
@@ -46,6 +49,6 @@ int main()
     int port = 0;
     graph->walkToSourceNode(node, port);
     std::printf("\"over\" reads from: %s\n", qPrintable(graph->nodeName(node)));
-    //! [find]
     renderer.teardown(nullptr);
 }
+//! [find]

@@ -3,9 +3,9 @@
 
 // A pass leaves out what nobody reads.
 
+//! [lamp]
 #include "Passes.h"
 
-//! [lamp]
 /// A ball that also gives off light, for those who ask for it.
 class LampPass : public BallPass
 {
@@ -35,6 +35,7 @@ private:
 };
 //! [lamp]
 
+//! [main]
 int main()
 {
     Renderer renderer;
@@ -46,7 +47,6 @@ int main()
     graph->addEdgeByName(lamp, QStringLiteral("color"), over, QStringLiteral("foreground"));
     graph->addUpEdgeByName(QStringLiteral("picture"), over, QStringLiteral("color"));
 
-    //! [frames]
     renderer.setup(nullptr);
     renderer.render(nullptr);
     show(renderer.output(picture));
@@ -55,6 +55,6 @@ int main()
     renderer.setup(nullptr);
     renderer.render(nullptr);
     show(renderer.output(picture));
-    //! [frames]
     renderer.teardown(nullptr);
 }
+//! [main]

@@ -3,13 +3,13 @@
 
 // A pass works on a thread of its own while its renderer waits for it.
 
+//! [stars]
 #include "Passes.h"
 
 #include <chrono>
 #include <future>
 #include <thread>
 
-//! [stars]
 /// Draws a starry sky, on another thread.
 class StarsPass : public RenderPassHelper
 {
@@ -44,6 +44,7 @@ private:
 };
 //! [stars]
 
+//! [main]
 int main()
 {
     Renderer renderer;
@@ -62,3 +63,4 @@ int main()
     show(renderer.output(picture));
     renderer.teardown(nullptr);
 }
+//! [main]

@@ -3,12 +3,12 @@
 
 // The first frames start the passes one by one.
 
+//! [register]
 #include "Passes.h"
 
 int main()
 {
     Renderer renderer;
-    //! [register]
     const int ball = renderer.addPass(QStringLiteral("ball"), new Announced<BallPass>("ball"),
                                       Graph::kRootNodeRef);
     const int trail = renderer.addPass(QStringLiteral("trail"), new Announced<TrailPass>("trail"),
@@ -16,13 +16,13 @@ int main()
     const int over = renderer.addPass(QStringLiteral("over"), new Announced<OverPass>("over"),
                                       Graph::kRootNodeRef);
     renderer.addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), true);
-    //! [register]
     const int picture = renderer.addOutput(QStringLiteral("picture"));
 
     Graph* graph = renderer.getGraph();
     graph->addEdgeByName(ball, QStringLiteral("color"), trail, QStringLiteral("color"));
     graph->addEdgeByName(trail, QStringLiteral("color"), over, QStringLiteral("foreground"));
     graph->addUpEdgeByName(QStringLiteral("picture"), over, QStringLiteral("color"));
+    //! [register]
 
     //! [frames]
     renderer.setup(nullptr);
@@ -31,7 +31,7 @@ int main()
         renderer.render(nullptr);
         std::printf("  mode %d\n", renderer.getGraphProcessingMode());
     }
-    //! [frames]
     show(renderer.output(picture));
     renderer.teardown(nullptr);
 }
+//! [frames]

@@ -3,11 +3,11 @@
 
 // The graph is edited between frames.
 
+//! [mirror]
 #include "Passes.h"
 
 #include <algorithm>
 
-//! [mirror]
 /// Turns a picture around.
 class MirrorPass : public RenderPassHelper
 {
@@ -35,6 +35,7 @@ void printMessage(QtMsgType, const QMessageLogContext&, const QString& text)
 }
 //! [handler]
 
+//! [start]
 int main()
 {
     qInstallMessageHandler(printMessage);
@@ -55,6 +56,7 @@ int main()
     renderer.setup(nullptr);
     renderer.render(nullptr);
     show(renderer.output(picture));
+    //! [start]
 
     //! [insert]
     const int mirror = renderer.addPass(QStringLiteral("mirror"),
@@ -101,6 +103,6 @@ int main()
     renderer.setup(nullptr);
     renderer.render(nullptr);
     show(renderer.renderPass(probe)->output(0));
-    //! [target]
     renderer.teardown(nullptr);
 }
+//! [target]

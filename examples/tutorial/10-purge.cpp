@@ -3,9 +3,9 @@
 
 // The slots of removed nodes and edges are given back.
 
+//! [find]
 #include "Passes.h"
 
-//! [find]
 /// The node of a pass, by the pass's index: the one thing that a purge leaves alone.
 int nodeOfPass(const Graph& graph, int passIndex)
 {
@@ -17,6 +17,7 @@ int nodeOfPass(const Graph& graph, int passIndex)
 }
 //! [find]
 
+//! [remove]
 int main()
 {
     Renderer renderer;
@@ -32,7 +33,6 @@ int main()
     graph->addEdgeByName(trail, QStringLiteral("color"), over, QStringLiteral("foreground"));
     graph->addUpEdgeByName(QStringLiteral("picture"), over, QStringLiteral("color"));
 
-    //! [remove]
     const int ballPass = graph->nodeValue(ball);
     const int overPass = graph->nodeValue(over);
     graph->removeNode(trail);
@@ -59,6 +59,6 @@ int main()
     //! [hierarchy]
     std::printf("found by name: %d\n", renderer.findPass(QStringLiteral("over")));
     std::printf("first child of the root: %d\n", graph->getNode(0, Graph::kRootNodeRef));
-    //! [hierarchy]
     renderer.teardown(nullptr);
 }
+//! [hierarchy]

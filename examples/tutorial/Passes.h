@@ -4,8 +4,8 @@
 // The passes that the steps of the tutorial share. A picture is one row of characters, in which a
 // blank is transparent.
 
-#ifndef ORV_EXAMPLES_TUTORIAL_PASSES_H
-#define ORV_EXAMPLES_TUTORIAL_PASSES_H
+//! [first]
+#pragma once
 
 #include <Kestrin/Orv/OrvCore.h>
 
@@ -21,7 +21,6 @@ inline void show(const QVariant& picture)
     std::printf("|%s|\n", qPrintable(picture.toString()));
 }
 
-//! [ball]
 /// Draws a ball into an empty row.
 class BallPass : public RenderPassHelper
 {
@@ -39,7 +38,7 @@ public:
         outputs[0].value = row;
     }
 };
-//! [ball]
+//! [first]
 
 //! [trail]
 /// Leaves behind what moves: what was "O" a frame ago becomes "o", then ".", then nothing.
@@ -120,5 +119,3 @@ private:
     const char* name;
 };
 //! [announced]
-
-#endif
