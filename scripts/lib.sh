@@ -16,7 +16,7 @@ package_packages=(
     cmake ninja-build g++ qtbase5-dev dpkg-dev file doxygen doxygen-awesome-css graphviz
 )
 test_packages=(
-    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen doxygen-awesome-css
+    libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen
     abigail-tools chromium python3-jsonschema "${package_packages[@]}"
 )
 m32_packages=(
