@@ -144,6 +144,47 @@ bool Graph::isUpEdge(int edge) const
     return isValidEdge(edge) && parentNode(edgeSourceNode(edge)) == edgeDestNode(edge);
 }
 
+std::string Graph::tables() const
+{
+    std::string text;
+    const auto number = [&text](int value) { text.append(std::to_string(value)).append(1, ' '); };
+    const auto name = [&text](const QString& string) {
+        text.append(string.toStdString()).append(1, '\n');
+    };
+    const auto numbers = [&number](const std::vector<int>& list) {
+        number(count(list));
+        for (const int value : list)
+            number(value);
+    };
+    const auto ports = [&](const std::vector<Port>& list) {
+        number(count(list));
+        for (const Port& port : list) {
+            name(port.name);
+            number(port.source);
+            number(port.group);
+            numbers(port.destinations);
+        }
+    };
+    number(count(nodes));
+    for (const Node& n : nodes) {
+        name(n.name);
+        number(n.parent);
+        number(n.value);
+        number(n.removed);
+        ports(n.inputs);
+        ports(n.outputs);
+        number(count(n.groups));
+        for (const QString& group : n.groups)
+            name(group);
+        numbers(n.children);
+    }
+    for (const Edge& e : edges) {
+        for (const int value : {e.srcNode, e.srcIndex, e.dstNode, e.dstIndex, int(e.removed)})
+            number(value);
+    }
+    return text;
+}
+
 // --- Nodes
 // ----------------------------------------------------------------------------------------
 
