@@ -80,7 +80,7 @@ public:
         const int numEdges = g.numEdgesGlobal();
         note("numNodesGlobal", numNodes);
         note("numEdgesGlobal", numEdges);
-        // One slot more than there are on either side, so that what answers for nothing is asked too.
+        // One slot more than there are on either side: what answers for nothing is asked, too.
         for (int n = -1; n <= numNodes; ++n) {
             node(n);
             for (int m = -1; m <= numNodes; ++m)

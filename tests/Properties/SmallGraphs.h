@@ -17,15 +17,15 @@
 /// Every sequence of edits up to a length, on the library's graph and on the oracle's.
 ///
 /// Sequences are many, but most of them lead to the same graphs. So the search goes breadth first
-/// over the distinct states: each edit that applies is made in each state, and a state that has been
-/// met before is not left again. What tells two states apart is every field of the oracle's tables
-/// and every field of the library's own records, those included that no query shows, so nothing that
-/// can differ later is taken for the same. A state keeps the sequence that led to it first, and a
-/// graph is built anew from that sequence for each edit.
+/// over the distinct states: each edit that applies is made in each state, and a state that has
+/// been met before is not left again. What tells two states apart is every field of the oracle's
+/// tables and every field of the library's own records, those included that no query shows. So
+/// nothing that can differ later is taken for the same. A state keeps the sequence that led to it
+/// first, and a graph is built anew from that sequence for each edit.
 ///
-/// After each edit all queries are asked. The library answers every time; the oracle, which is slow,
-/// once for each state. Where the oracle leaves an answer open, the library must only come to an
-/// end.
+/// After each edit all queries are asked. The library answers every time; the oracle, which is
+/// slow, once for each state. Where the oracle leaves an answer open, the library must only come
+/// to an end.
 class SmallGraphs
 {
 public:

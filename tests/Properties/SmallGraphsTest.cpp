@@ -9,9 +9,10 @@
 #include <string>
 
 // The lengths are such that all of this takes about a minute in a release build on one core; see
-// SmallGraphs.h for how it gets that far. Few kinds of edits at a time make long sequences possible:
-// with all of them, a graph of four nodes with two ports a side has over a hundred edits to choose
-// from. So each plan takes the kinds that belong together, and one takes everything, but briefly.
+// SmallGraphs.h for how it gets that far. Few kinds of edits at a time make long sequences
+// possible: with all of them, a graph of four nodes with two ports a side has over a hundred edits
+// to choose from. So each plan takes the kinds that belong together, and two take everything, but
+// briefly.
 
 namespace {
 

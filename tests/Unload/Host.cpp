@@ -6,9 +6,9 @@
 //
 //     UnloadHost [--vanish] PLUGIN FUNCTION DIRECTORY AT_LEAST LIBRARY...
 //
-// A string whose memory belongs to something that was loaded with the plugin is not read but reported:
-// it would end the program. PLUGIN and every LIBRARY must be gone in the end. --vanish deletes the
-// program's own file first. Fewer strings than AT_LEAST are a failure.
+// A string whose memory belongs to something that was loaded with the plugin is not read but
+// reported: it would end the program. PLUGIN and every LIBRARY must be gone in the end. --vanish
+// deletes the program's own file first. Fewer strings than AT_LEAST are a failure.
 
 #include "Strings.h"
 

@@ -3,8 +3,8 @@
 
 #include "Strings.h"
 
-// No string of the plugin's own is a literal: that would lie in unloaded memory, too. This holds for
-// the samples as well.
+// No string of the plugin's own is a literal: that would lie in unloaded memory, too. This holds
+// for the samples as well.
 #undef QStringLiteral
 #define QStringLiteral(text) QString::fromUtf16(u"" text)
 
@@ -305,7 +305,8 @@ void takeRarities(Taker& taker)
     const int inner = host.up("out", p, "p");
     host.link(g, "out", b, "in");
     host.link(g, "out", a, "x");
-    host.link(b, "out", host.pass("Q", "in", "", g), "in"); // no siblings
+    const int o = host.pass("O", "", "out");
+    host.link(o, "out", host.pass("Q", "in", "", g), "in"); // no siblings
     host.link(b, "out", g, "in");                           // a cycle through the group
     taker.snapshot(host.snapshot());                        // and users that are not counted
 
