@@ -79,7 +79,7 @@ public:
     /// Told every state when it is met first; answers what is wrong with it.
     std::function<std::string(const Path&)> onState;
 
-    /// \return nothing when all agreed; otherwise what did not, and the calls up to there as source.
+    /// \return nothing when all agreed; otherwise what did not, and the calls so far as source.
     std::string run();
 
     Count count;

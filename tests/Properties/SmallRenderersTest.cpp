@@ -14,7 +14,8 @@
 
 // What a renderer does with a graph follows from the graph and from the passes that are enabled. So
 // each state that SmallGraphs comes to is built in a renderer once for each set of enabled passes,
-// and one setup and one frame show the order, the user counts, the values of all inputs and outputs.
+// and one setup and one frame show the order, the user counts, and the values of all inputs and
+// outputs.
 
 namespace {
 
