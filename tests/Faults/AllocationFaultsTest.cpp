@@ -4,13 +4,19 @@
 #include "Scale/Limits.h"
 #include "oracle/GraphCalls.h"
 
+#include <Kestrin/Orv/Memory.h>
 #include <Kestrin/Orv/RenderPassHelper.h>
 #include <Kestrin/Orv/Renderer.h>
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+
 #include <cerrno>
 #include <functional>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace Kestrin::Orv;
 
@@ -336,6 +342,112 @@ TEST(AllocationFaults, AShortageDuringRegistrationReachesTheCallerAndThePassIsOw
     }
 }
 
+namespace {
+
+/// A pass whose lists can be counted.
+struct CountedPass : RenderPassHelper
+{
+    explicit CountedPass(int numPorts)
+    {
+        for (int i = 0; i < numPorts; ++i) {
+            addInput(kName, i);
+            addOutput(kName);
+        }
+    }
+    QVector<int> lengths() const
+    {
+        return {inputs.size(), defaultValues.size(), outputs.size(), outputUsers.size()};
+    }
+};
+
+/// Adds a port to passes with none, one, two and more, with memory running out at each allocation.
+void expectBothListsOrNone(const std::function<int(CountedPass&)>& addPort,
+                           const QVector<int>& growth)
+{
+    for (int numPorts = 0; numPorts < 20; ++numPorts) {
+        bool struck = true;
+        for (long successes = 0; struck; ++successes) {
+            ASSERT_LT(successes, 1000);
+            CountedPass pass(numPorts);
+            QVector<int> expected = pass.lengths();
+            int index = -1;
+            {
+                const Shortage shortage(successes);
+                try {
+                    index = addPort(pass);
+                } catch (const std::bad_alloc&) {
+                }
+                struck = shortage.struck();
+            }
+            EXPECT_EQ(index, struck ? -1 : numPorts);
+            if (struck) {
+                EXPECT_EQ(pass.lengths(), expected)
+                    << "after " << successes << " allocations with " << numPorts << " ports";
+                // Once there is memory again, the port has the place that it would have had.
+                EXPECT_EQ(addPort(pass), numPorts);
+            }
+            for (int list = 0; list < expected.size(); ++list)
+                expected[list] += growth.at(list);
+            EXPECT_EQ(pass.lengths(), expected);
+        }
+    }
+}
+
+int numOpenFiles()
+{
+    int count = 0;
+    for (int file = 0; file < 1024; ++file)
+        count += fcntl(file, F_GETFD) != -1;
+    return count;
+}
+
+} // namespace
+
+TEST(AllocationFaults, AShortageWhileAddingAPassInputLeavesBothListsAsTheyWere)
+{
+    const QVariant value(1.5);
+    expectBothListsOrNone([&](CountedPass& pass) { return pass.addInput(kName, value); },
+                          {1, 1, 0, 0});
+}
+
+TEST(AllocationFaults, AShortageWhileAddingAPassOutputLeavesBothListsAsTheyWere)
+{
+    expectBothListsOrNone([](CountedPass& pass) { return pass.addOutput(kName); }, {0, 0, 1, 1});
+}
+
+TEST(AllocationFaults, AMappedFileThatCannotBeMadeLeaksNeitherMemoryNorADescriptor)
+{
+    const QString path = QFile::decodeName("/proc/self/exe");
+    const auto make = [&path](long successes, bool& struck) {
+        bool thrown = false;
+        outstanding = 0;
+        {
+            const Shortage shortage(successes);
+            try {
+                MemoryMappedFile file(path);
+                struck = shortage.struck();
+                EXPECT_TRUE(struck || file.size() > 0);
+            } catch (const std::bad_alloc&) {
+                thrown = true;
+                struck = true;
+            }
+        }
+        return thrown;
+    };
+    bool struck = true;
+    make(-1, struck); // what is made once and kept for ever
+    const int before = numOpenFiles();
+    int numThrown = 0;
+    struck = true;
+    for (long successes = 0; struck; ++successes) {
+        ASSERT_LT(successes, 1000);
+        numThrown += make(successes, struck);
+        EXPECT_EQ(outstanding, 0) << "after " << successes << " allocations";
+        EXPECT_EQ(numOpenFiles(), before) << "after " << successes << " allocations";
+    }
+    EXPECT_GT(numThrown, 0);
+}
+
 #else
 
 TEST(AllocationFaults, AreInjectedWithoutSanitizers)
@@ -344,3 +456,15 @@ TEST(AllocationFaults, AreInjectedWithoutSanitizers)
 }
 
 #endif
+
+TEST(AllocationFaults, ABufferThatWasNotAllocatedHasNoRange)
+{
+    for (const unsigned long size : {0UL, 1UL, 16UL, ~0UL}) {
+        RawMemory memory(nullptr, size);
+        EXPECT_EQ(memory.size(), size);
+        for (const unsigned long offset : {0UL, 1UL, 15UL, ~0UL - 1}) {
+            for (const unsigned long length : {0UL, 1UL, 16UL, ~0UL})
+                EXPECT_EQ(memory.get(offset, length), nullptr) << offset << ", " << length;
+        }
+    }
+}
