@@ -3,11 +3,7 @@
 
 #include "SmallGraphs.h"
 
-#if __has_include("GraphTables.h")
-#    include "GraphTables.h"
-#else
-#    include "GraphImpl.h"
-#endif
+#include "GraphTables.h"
 
 #include <algorithm>
 #include <climits>
@@ -267,14 +263,9 @@ std::string recordsOf(const Library& graph)
     static_assert(sizeof tables == 2 * sizeof(void*), "the two tables are all there is");
     number(tables.nodes.size());
     for (const Kestrin::Orv::Node& node : tables.nodes) {
-#if __has_include("GraphTables.h")
         const auto& [nodeName, parent, value, inputs, outputs, inputGroups, outputGroups, children,
                      removed, numSourceEdges] = node;
         number(numSourceEdges);
-#else
-        const auto& [nodeName, parent, value, inputs, outputs, inputGroups, outputGroups, children,
-                     removed] = node;
-#endif
         name(nodeName);
         number(parent);
         number(value);
