@@ -28,14 +28,13 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/src/Core ${PROJECT_BINARY_DIR}/src/Inspect)
 set(CPACK_COMPONENTS_ALL)
 
-# A package made of a component: its section, how it goes with other architectures (Multi-Arch), the
-# other packages that it needs, and what it is in one line and in a paragraph.
-macro(orv_package package component section multiarch depends summary description)
+# A package made of a component: its section, the other packages that it needs, and what it is in one
+# line and in a paragraph.
+macro(orv_package package component section depends summary description)
   string(TOUPPER ${component} upper)
   list(APPEND CPACK_COMPONENTS_ALL ${component})
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${package})
   set(CPACK_DEBIAN_${upper}_PACKAGE_SECTION ${section})
-  set(CPACK_DEBIAN_${upper}_PACKAGE_MULTIARCH ${multiarch})
   set(CPACK_DEBIAN_${upper}_PACKAGE_DEPENDS "${depends}")
   set(CPACK_DEBIAN_${upper}_DESCRIPTION "${summary}\n${description}")
 endmacro()
@@ -43,7 +42,7 @@ endmacro()
 # As orv_package(), for what programs run with. CPack writes shlibs for the exact version and no
 # trigger.
 macro(orv_package_library library package component depends summary description)
-  orv_package(${package} ${component} libs same "${depends}" "${summary}" "${description}")
+  orv_package(${package} ${component} libs "${depends}" "${summary}" "${description}")
   set(SHLIBS_LIBRARY ${library})
   set(SHLIBS_PACKAGE ${package})
   configure_file(${debianFiles}/shlibs.in ${PROJECT_BINARY_DIR}/debian/${package}/shlibs @ONLY)
@@ -60,7 +59,7 @@ orv_package_library(libOrvCore ${core} runtime ""
 "A host builds a graph of render passes with named inputs and outputs; the
 library works out which passes the outputs need and in which order, runs them
 frame by frame and hands every result on to its consumers.")
-orv_package(liborvcore-dev development libdevel same
+orv_package(liborvcore-dev development libdevel
   "${core} ${sameVersion}, qtbase5-dev (>= 5.12)"
   "core library of a render-graph framework (development)"
 "This package holds what it takes to build hosts and render passes: the
@@ -75,7 +74,7 @@ if(TARGET OrvInspect)
 "It tells why a pass of a render graph runs or does not and where its inputs
 come from, checks graphs, draws, times and compares them, and keeps them in
 documents.")
-  orv_package(liborvinspect-dev inspectDevelopment libdevel same
+  orv_package(liborvinspect-dev inspectDevelopment libdevel
     "${inspect} ${sameVersion}, liborvcore-dev ${sameVersion}"
     "library that explains, checks and times render graphs (development)"
 "This package holds what it takes to build programs with the library: the
@@ -83,8 +82,7 @@ headers, a CMake package (OrvInspect, with the target Orv::Inspect) and a
 pkg-config file (orv-inspect).")
 endif()
 if(TARGET orv)
-  orv_package(orv-tools tools devel foreign
-    "${core} (>= ${PROJECT_VERSION}), ${inspect} ${sameVersion}"
+  orv_package(orv-tools tools devel "${core} (>= ${PROJECT_VERSION}), ${inspect} ${sameVersion}"
     "program that explains, checks, draws and compares render graphs"
 "The program orv answers questions about render graphs in documents: which
 passes run in which order, why one does not run, where an input comes from,
@@ -95,7 +93,7 @@ endif()
 
 # There once the target docs has been built.
 if(TARGET docs)
-  orv_package(orv-doc doc doc foreign ""
+  orv_package(orv-doc doc doc ""
     "core library of a render-graph framework (documents)"
 "This package holds the documents as HTML: the tutorial, the architecture, a
 page for each module and the reference of libOrvCore and libOrvInspect.")

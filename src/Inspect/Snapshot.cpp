@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 
 #include "LookUp.h"
+#include "PassCast.h"
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
@@ -51,7 +52,7 @@ void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord
 {
     record.pass = true;
     const RenderPass* innermost = TracedPass::innermost(&pass);
-    if (const auto* standIn = dynamic_cast<const StandInPass*>(innermost))
+    if (const auto* standIn = passCast<StandInPass>(innermost))
         record.type = standIn->type();
     else if (innermost && typeOf)
         record.type = typeOf(*innermost);

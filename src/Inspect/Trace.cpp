@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Trace.h>
 
+#include "PassCast.h"
 #include "Recording.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
@@ -157,7 +158,7 @@ void Trace::namePasses(Renderer& renderer)
     const Paths paths(snapshot);
     for (int node = 0; node < snapshot.nodes.size(); ++node) {
         RenderPass* pass = renderer.renderPass(node);
-        while (auto* traced = dynamic_cast<TracedPass*>(pass)) {
+        while (auto* traced = passCast<TracedPass>(pass)) {
             traced->setName(paths.node(node));
             pass = traced->pass();
         }

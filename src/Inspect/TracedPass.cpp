@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
+#include "PassCast.h"
 #include "Recording.h"
 
 #include <Kestrin/Orv/RenderPassHelper.h>
@@ -119,7 +120,7 @@ RenderPass* TracedPass::pass() const
 
 const RenderPass* TracedPass::innermost(const RenderPass* pass)
 {
-    while (const auto* traced = dynamic_cast<const TracedPass*>(pass))
+    while (const auto* traced = passCast<TracedPass>(pass))
         pass = traced->pass();
     return pass;
 }
