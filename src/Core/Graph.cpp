@@ -549,18 +549,6 @@ void Graph::Impl::disconnect(const Port& port)
         removeEdge(lookUp(port.destinations, position));
 }
 
-/// Counts anew: the kinds of edges follow from the parents, which a purge leaves as they are while
-/// it renumbers the nodes.
-void Graph::Impl::countSourceEdges()
-{
-    for (Node& node : nodes)
-        node.numSourceEdges = 0;
-    for (const Edge& edge : qAsConst(edges)) {
-        if (isSourceEdge(edge) && hasIndex(nodes, edge.srcNode))
-            ++nodes[edge.srcNode].numSourceEdges;
-    }
-}
-
 void Graph::removeEdge(int edge)
 {
     impl->removeEdge(edge);
@@ -868,18 +856,21 @@ void Graph::purge()
         // By position, not by value, and the parent not at all: see the header.
         for (int position = 0; position < node.children.size(); ++position)
             node.children[position] = lookUp(nodeMap, position);
+        node.numSourceEdges = 0;
         nodes.append(std::move(node));
     }
+    impl->nodes.swap(nodes);
     for (Edge edge : qAsConst(impl->edges)) {
         if (edge.removed)
             continue;
         edge.srcNode = lookUp(nodeMap, edge.srcNode);
         edge.dstNode = lookUp(nodeMap, edge.dstNode);
         edges.append(edge);
+        // Counted anew: with new refs and old parents, an edge may be of another kind.
+        if (Node* source = find(impl->nodes, edge.srcNode))
+            source->numSourceEdges += impl->isSourceEdge(edge);
     }
-    impl->nodes.swap(nodes);
     impl->edges.swap(edges);
-    impl->countSourceEdges();
 }
 
 void dumpAsGraphviz(const Graph* graph)

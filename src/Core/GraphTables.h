@@ -127,8 +127,8 @@ struct GraphTables
     {
         return !edge.removed && node(edge.srcNode).parent == edge.dstNode;
     }
-    /// Whether a search upstream can end at the edge's source: walkAcross() follows regular edges to
-    /// their source, walkDown() follows up edges. Nothing else is ever found upstream.
+    /// Whether a search upstream can end at the edge's source: walkAcross() follows regular edges
+    /// to their source, walkDown() follows up edges. Nothing else is ever found upstream.
     bool isSourceEdge(const Edge& edge) const { return isRegular(edge) || isUp(edge); }
 };
 
@@ -139,7 +139,6 @@ struct Graph::Impl : GraphTables
     int connect(Port& left, Port& entered, const Edge& edge);
     void removeEdge(int ref);
     void disconnect(const Port& port);
-    void countSourceEdges();
 
     QVector<int> markSubtreeRemoved(int ref);
 };

@@ -11,12 +11,13 @@ namespace Kestrin {
 namespace Orv {
 
 /// The addresses of both tables, for the walks against the flow of data: the ordering query, the
-/// walkers and the renderer's frames consist of little else, so the walks are here to be inlined and
-/// what they read is to stay in registers. Lasts until the graph changes.
+/// walkers and the renderer's frames consist of little else, so the walks are here to be inlined
+/// and what they read is to stay in registers. Lasts until the graph changes.
 ///
-/// An edge that feeds a port enters the very node that owns the port, so the kind of the edge follows
-/// from its source alone. On a sound tree each step changes the level and a walk ends by itself.
-/// After a purge the parents may form a cycle, so no walk takes more steps than there are nodes.
+/// An edge that feeds a port enters the very node that owns the port, so the kind of the edge
+/// follows from its source alone. On a sound tree each step changes the level and a walk ends by
+/// itself. After a purge the parents may form a cycle, so no walk takes more steps than there are
+/// nodes.
 struct GraphView
 {
     const Node* nodes;
@@ -149,8 +150,8 @@ struct GraphView
         return followHierarchy ? producerOf(feed->srcNode, feed->srcIndex) : feed->srcNode;
     }
 
-    // Prefetching, see there. A record takes two goes: first the lists of ports, and, once these are
-    // there, the edges that they name.
+    // Prefetching, see there. A record takes two goes: first the lists of ports, and, once these
+    // are there, the edges that they name.
 
     /// For a search that goes through a queue of nodes and follows their inputs; the next one is
     /// `queue[0]`.

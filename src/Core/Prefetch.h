@@ -11,10 +11,10 @@
 
 /// Prefetching, and all that the library knows of processors and of how a QVector lies in memory.
 ///
-/// On graphs that the caches do not hold, a walk waits for memory most of its time: each record that
-/// it reads names the address of the next one. Often the nodes that come up are known a few steps
-/// ahead, though, from a queue or from the execution order. Then their records can be on their way
-/// while the walk is busy with the nodes before them:
+/// On graphs that the caches do not hold, a walk waits for memory most of its time: each record
+/// that it reads names the address of the next one. Often the nodes that come up are known a few
+/// steps ahead, though, from a queue or from the execution order. Then their records can be on
+/// their way while the walk is busy with the nodes before them:
 ///
 ///     constexpr int distance = 4; // steps between the prefetch and the read
 ///     for (int i = 0; i < count; ++i) {
@@ -23,12 +23,13 @@
 ///         expand(nodes[queue[i]]);
 ///     }
 ///
-/// Prefetch only where the benchmarks show that it pays. It does in the searches (a third of the time
-/// for 20,000 nodes) and in frames (a quarter to a half for 10,000 passes in nested groups); in setup
-/// it brought a twentieth and went. For small graphs it costs some instructions and brings nothing.
+/// Prefetch only where the benchmarks show that it pays. It does in the searches (a third of the
+/// time for 20,000 nodes) and in frames (a quarter to a half for 10,000 passes in nested groups);
+/// in setup it brought a twentieth and went. For small graphs it costs some instructions and brings
+/// nothing.
 ///
-/// All functions here are inlined whatever happens: compilers take a function that only prefetches for
-/// one without effect, and drop its calls.
+/// All functions here are inlined whatever happens: compilers take a function that only prefetches
+/// for one without effect, and drop its calls.
 
 namespace Kestrin {
 namespace Orv {

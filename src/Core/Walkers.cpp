@@ -141,11 +141,12 @@ namespace {
 
 /// A frame of the subgraph walker. The top one holds the marks, if there are any.
 ///
-/// On a tree the walk reaches each node once by itself. After a purge a list of children begins with
-/// the refs 0, 1, 2 and so on, whatever these nodes are, and may lead back to nodes above it. Such a
-/// list shows by its first entry in the table, a ref that is not higher than the node's own: a list
-/// that only addNode() has filled holds higher refs. A node below a node of the second kind is of that
-/// kind, too. So the first node alone decides, and nothing but it has been reached by then.
+/// On a tree the walk reaches each node once by itself. After a purge a list of children begins
+/// with the refs 0, 1, 2 and so on, whatever these nodes are, and may lead back to nodes above it.
+/// Such a list shows by its first entry in the table, a ref that is not higher than the node's own:
+/// a list that only addNode() has filled holds higher refs. A node below a node of the second kind
+/// is of that kind, too. So the first node alone decides, and nothing but it has been reached by
+/// then.
 struct SubgraphFrame : WalkFrame
 {
     std::unique_ptr<QBitArray> reached; // by node ref; null on a tree
