@@ -88,11 +88,11 @@ TARGETS = [
 
 # What the rules of the library make impossible, and why.
 NO_TARGETS = [
-    "Rows in nested groups have no target beside subjects that know no groups, and `setup` has none "
-    "there: a search, a setup and a frame trace every input through all of its groups anew, because "
-    "nothing about the graph is cached, while those subjects have each source at hand. Input walkers "
-    "have none beside bare nodes: a walk goes from a node over a port and an edge to the next node, "
-    "and takes a frame from the heap for each node on its path.",
+    "Rows in nested groups have no target beside subjects that know no groups, and `setup` has "
+    "none there: a search, a setup and a frame trace every input through all of its groups anew, "
+    "because nothing about the graph is cached, while those subjects have each source at hand. "
+    "Input walkers have none beside bare nodes: a walk goes from a node over a port and an edge "
+    "to the next node, and takes a frame from the heap for each node on its path.",
 ]
 
 COLORS = ["#1b6ca8", "#d1495b", "#2e8b57", "#e0a030", "#7a5195"]
@@ -364,7 +364,8 @@ def main(results, docs):
             text.append(f"| {work} | {SUBJECTS[subject]} | {exponent} | {ends[0]} | "
                         f"{ends[1] if points[-1][0] == 1000000 else ''} |")
         if lines:
-            growth_plots += write_plot(f"growth-{work.replace(', ', '-').replace(' ', '-')}", title, lines)
+            name = work.replace(", ", "-").replace(" ", "-")
+            growth_plots += write_plot(f"growth-{name}", title, lines)
     text += growth_plots
 
     text += ["", "## Memory", "",

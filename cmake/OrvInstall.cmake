@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 
 # Installs the libraries, their headers, a CMake package and a pkg-config file each, as components:
-# what programs run with and what they are built with. Each component needs no more than its own target
-# built.
+# what programs run with and what they are built with. Each component needs no more than its own
+# target built.
 
 include(CMakePackageConfigHelpers)
 

@@ -2,9 +2,9 @@
 # SPDX-License-Identifier: MIT
 
 # Debian packages: for each library what programs run with and what they are built with
-# (liborvcore1 and liborvcore-dev, liborvinspect1 and liborvinspect-dev), orv-tools, the program orv,
-# and orv-doc, the HTML documents. What is compiled has its debug information in a package of its own,
-# NAME-dbgsym. scripts/package builds them with Debian's flags and paths.
+# (liborvcore1 and liborvcore-dev, liborvinspect1 and liborvinspect-dev), orv-tools, the program
+# orv, and orv-doc, the HTML documents. What is compiled has its debug information in a package of
+# its own, NAME-dbgsym. scripts/package builds them with Debian's flags and paths.
 
 set(debianFiles ${PROJECT_SOURCE_DIR}/packaging/debian)
 set(release 1)
@@ -28,8 +28,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
   ${PROJECT_BINARY_DIR}/src/Core ${PROJECT_BINARY_DIR}/src/Inspect)
 set(CPACK_COMPONENTS_ALL)
 
-# A package made of a component: its section, the other packages that it needs, and what it is in one
-# line and in a paragraph.
+# A package made of a component: its section, the other packages that it needs, and what it is in
+# one line and in a paragraph.
 macro(orv_package package component section depends summary description)
   string(TOUPPER ${component} upper)
   list(APPEND CPACK_COMPONENTS_ALL ${component})

@@ -1,7 +1,8 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# The parts that need more than CMake, a compiler and Qt Core, and what is said when that is missing.
+# The parts that need more than CMake, a compiler and Qt Core, and what is said when that is
+# missing.
 
 # One line about a part that is not built: what it is, why not, and the Debian packages to install.
 function(orv_left_out part reason)
@@ -34,7 +35,8 @@ function(orv_find_what_tests_need)
   endif()
   if(missing)
     list(JOIN missing " " packages)
-    message(FATAL_ERROR "The tests need more than is installed; on Debian: apt install ${packages}\n"
+    message(FATAL_ERROR
+            "The tests need more than is installed; on Debian: apt install ${packages}\n"
                         "./scripts/test installs all that they use. The preset release builds the "
                         "libraries, the program orv and the examples without tests.")
   endif()

@@ -27,12 +27,14 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   if(manPages)
     run(gzip -9n ${manPages})
   endif()
-  configure_file(${here}/${package}.lintian-overrides ${share}/lintian/overrides/${package} COPYONLY)
+  configure_file(${here}/${package}.lintian-overrides ${share}/lintian/overrides/${package}
+    COPYONLY)
 
   # The documents lie as they do in the source tree, so that their links lead to what they name.
   if(package STREQUAL liborvcore-dev)
     file(GLOB pages ${source}/docs/*.md ${source}/docs/*.json ${source}/docs/*.1)
-    file(COPY ${source}/README.md ${source}/CONTRIBUTING.md ${source}/CHANGELOG.md DESTINATION ${doc})
+    file(COPY ${source}/README.md ${source}/CONTRIBUTING.md ${source}/CHANGELOG.md
+      DESTINATION ${doc})
     file(COPY ${pages} DESTINATION ${doc}/docs)
     file(COPY ${source}/docs/images DESTINATION ${doc}/docs PATTERN *.dot EXCLUDE)
     file(COPY ${source}/docs/benchmarks DESTINATION ${doc}/docs)

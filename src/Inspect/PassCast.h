@@ -8,9 +8,9 @@
 
 namespace Kestrin::Orv::Inspect {
 
-/// Whether \p pass can be asked for its type. A pass of a host that was compiled with -fno-rtti cannot:
-/// where its table of virtual functions should point to its type, just before the first function, there
-/// is null, and a dynamic_cast would follow it.
+/// Whether \p pass can be asked for its type. A pass of a host that was compiled with -fno-rtti
+/// cannot: where its table of virtual functions should point to its type, just before the first
+/// function, there is null, and a dynamic_cast would follow it.
 inline bool knowsItsType(const RenderPass& pass)
 {
 #ifdef __GXX_ABI_VERSION // tables as the Itanium C++ ABI lays them out: by g++ and clang++
@@ -22,8 +22,8 @@ inline bool knowsItsType(const RenderPass& pass)
 #endif
 }
 
-/// dynamic_cast for passes of every host: null for one that cannot be asked for its type, which is none
-/// of this library's.
+/// dynamic_cast for passes of every host: null for one that cannot be asked for its type, which is
+/// none of this library's.
 template<typename Pass>
 const Pass* passCast(const RenderPass* pass)
 {

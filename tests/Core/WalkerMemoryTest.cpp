@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// What the walkers take from the heap. This executable's own operators new and delete keep the books
-// and fill fresh memory, so that a read of what was never written shows.
+// What the walkers take from the heap. This executable's own operators new and delete keep the
+// books and fill fresh memory, so that a read of what was never written shows.
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>

@@ -99,7 +99,8 @@ struct Group
     const int gToB = graph.addEdge(g, 0, b, 0);
 };
 
-// The group's input runs through k straight to its output, which the cycle test does not see through:
+// The group's input runs through k straight to its output, which the cycle test does not see
+// through:
 //     s -> g( k ) -> s
 struct Cycle
 {
@@ -133,8 +134,8 @@ TEST(Walkers, AreNeitherCopiedNorAssignedNorVirtual)
 #if QT_POINTER_SIZE == 8
 namespace {
 
-/// Makes a walker at the start of a buffer of `poison`, walks to its end, and says whether a byte from
-/// `size` on has changed. \return the number of nodes walked; -1 when a byte was touched.
+/// Makes a walker at the start of a buffer of `poison`, walks to its end, and says whether a byte
+/// from `size` on has changed. \return the number of nodes walked; -1 when a byte was touched.
 template<typename Walker, std::size_t size, typename... Arguments>
 int stepsInPoison(int poison, Arguments&&... arguments)
 {

@@ -91,15 +91,15 @@ public:
     /// @name Nodes
     /// @{
 
-    /// Appends a node under \p parent, with value -1 and with unnamed, ungrouped ports; a port count
-    /// below zero makes none.
+    /// Appends a node under \p parent, with value -1 and with unnamed, ungrouped ports; a port
+    /// count below zero makes none.
     /// \return the new node's ref, or -1 when \p parent is not a valid node.
     /// \throws std::bad_alloc when memory cannot hold the ports.
     /// Constant time, amortised, and linear in the port counts. Refs stay as they are.
     int addNode(const QString& name, int numInputs, int numOutputs, int parent);
 
-    /// Removes \p node, everything below it and every edge at their ports, and takes \p node off its
-    /// parent's list, so that later siblings move up one position. Their refs stay as they are.
+    /// Removes \p node, everything below it and every edge at their ports, and takes \p node off
+    /// its parent's list, so that later siblings move up one position. Their refs stay as they are.
     /// Also takes off a node that removeChildNode() left listed. Removing the root leaves no valid
     /// node, and nothing can be added to such a graph.
     /// Linear in the nodes and edges removed, plus the later siblings; no recursion.
@@ -111,18 +111,19 @@ public:
 
     /// The node's parent; -1 for the root. A removed node keeps its parent.
     int parentNode(int node) const;
-    /// True when \p ancestor is the parent of \p node, or that parent's, and so on; no node contains
-    /// itself. Linear in the depth of \p node.
+    /// True when \p ancestor is the parent of \p node, or that parent's, and so on; no node
+    /// contains itself. Linear in the depth of \p node.
     bool contains(int ancestor, int node) const;
     /// Number of children of \p parent.
     int numNodes(int parent) const;
-    /// The child at position \p index of \p parent, in the order in which they were added; -1 if none.
+    /// The child at position \p index of \p parent, in the order in which they were added; -1 if
+    /// none.
     int getNode(int index, int parent) const;
     /// The position of \p node among its parent's children; -1 if it is not listed there.
     /// Linear in the number of siblings.
     int indexOfNode(int node) const;
-    /// The first child of \p parent of this name, compared exactly; -1 if none. Names may repeat, and
-    /// grandchildren are not searched. Linear in the number of children.
+    /// The first child of \p parent of this name, compared exactly; -1 if none. Names may repeat,
+    /// and grandchildren are not searched. Linear in the number of children.
     int findNode(const QString& name, int parent) const;
     /// The first child of \p parent of this value; -1 if none. Linear in the number of children.
     int findNodeFromValue(int value, int parent) const;
@@ -139,13 +140,14 @@ public:
     /// @name Inputs
     /// @{
 
-    /// Appends an input. Names may repeat, and \p group is kept as it is, named or not; -1 for none.
+    /// Appends an input. Names may repeat, and \p group is kept as it is, named or not; -1 for
+    /// none.
     /// \return the port's index, or -1 when \p node is not valid. Constant time, amortised.
     int addInput(int node, const QString& name, int group);
-    /// Deletes an input; the inputs after it move down one index. Its edges stay, and edges at later
-    /// inputs keep their old indices, which then name the port that has moved there. So disconnect
-    /// the port first, and remove only the last one while others are connected. Linear in the later
-    /// inputs.
+    /// Deletes an input; the inputs after it move down one index. Its edges stay, and edges at
+    /// later inputs keep their old indices, which then name the port that has moved there. So
+    /// disconnect the port first, and remove only the last one while others are connected. Linear
+    /// in the later inputs.
     void removeInput(int node, int input);
     /// Number of inputs; a removed node keeps its ports.
     int numInputs(int node) const;
@@ -186,7 +188,8 @@ public:
     void removeOutput(int node, int output);
     /// Number of outputs; a removed node keeps its ports.
     int numOutputs(int node) const;
-    /// The first output of this name, compared exactly; -1 if none. Linear in the number of outputs.
+    /// The first output of this name, compared exactly; -1 if none. Linear in the number of
+    /// outputs.
     int findOutput(int node, const QString& name) const;
     /// The output's name; empty for one that was never named.
     QString outputName(int node, int output) const;
@@ -196,8 +199,8 @@ public:
     int outputGroup(int node, int output) const;
 
     /// Does what addInputGroup() does: the name joins the *input* group names, so input and output
-    /// groups are numbered in one sequence and findInputGroup() finds both. The list of output group
-    /// names stays empty for ever: the other operations on output group names find nothing.
+    /// groups are numbered in one sequence and findInputGroup() finds both. The list of output
+    /// group names stays empty for ever: the other operations on output group names find nothing.
     /// \return what to pass to addOutput(), or -1 when \p node is not valid.
     int addOutputGroup(int node, const QString& name);
     /// Takes every output of this group out of it. There is no name to delete.
@@ -220,11 +223,12 @@ public:
     /// Makes a regular edge from an output to the input of a sibling.
     /// \return the new edge's ref, or -1 when the input is fed already, when the oldest edge that
     /// leaves the output is not a regular one, or when \p dstNode precedes \p srcNode (see
-    /// precedes()), so that the edge would close a cycle. That the nodes are siblings is not tested.
-    /// As precedes() finds producing nodes and not the groups around them, a cycle that runs through
-    /// the inside of a group is not refused. Takes the time of precedes(\p dstNode, \p srcNode, true),
-    /// which is constant for a \p dstNode that feeds nothing yet and for a \p srcNode that nothing
-    /// feeds yet: a graph is wired in linear time from its sources down and from its sinks up.
+    /// precedes()), so that the edge would close a cycle. That the nodes are siblings is not
+    /// tested. As precedes() finds producing nodes and not the groups around them, a cycle that
+    /// runs through the inside of a group is not refused. Takes the time of precedes(\p dstNode, \p
+    /// srcNode, true), which is constant for a \p dstNode that feeds nothing yet and for a \p
+    /// srcNode that nothing feeds yet: a graph is wired in linear time from its sources down and
+    /// from its sinks up.
     int addEdge(int srcNode, int srcOutput, int dstNode, int dstInput);
     /// Makes an up edge from a child's output to an output of its parent.
     /// The child's output may feed siblings at the same time; cycles are not looked for.
@@ -234,9 +238,9 @@ public:
     /// Cycles are not looked for.
     /// \return the new edge's ref, or -1 when the child's input is fed already. Constant time.
     int addDownEdge(int parentInput, int childNode, int childInput);
-    /// Marks the edge removed and unhooks it from the ports at its ends; the positions of the port's
-    /// younger edges move up one. Which ports those are follows from the edge's kind as it is now.
-    /// Linear in the younger edges that leave the same port.
+    /// Marks the edge removed and unhooks it from the ports at its ends; the positions of the
+    /// port's younger edges move up one. Which ports those are follows from the edge's kind as it
+    /// is now. Linear in the younger edges that leave the same port.
     void removeEdge(int edge);
     /// Removes the edge that feeds the input and every down edge that leaves it.
     void disconnectInput(int node, int input);
@@ -246,9 +250,9 @@ public:
 
     /// @name Connecting by name
     /// Names are compared exactly and the first port of a name is taken; unnamed ports match each
-    /// other. Bulk operations go through the receiving ports in ascending order and ignore refusals:
-    /// no second port is tried. Each pair of ports is compared afresh, so the time is the product of
-    /// both port counts, plus that of the edges made.
+    /// other. Bulk operations go through the receiving ports in ascending order and ignore
+    /// refusals: no second port is tried. Each pair of ports is compared afresh, so the time is the
+    /// product of both port counts, plus that of the edges made.
     /// @{
 
     /// addEdge() between two ports found by name. A name that is not found is logged at critical
@@ -258,19 +262,19 @@ public:
     /// addUpEdge() between two ports found by name. Logs nothing.
     int addUpEdgeByName(const QString& parentOutputName, int childNode,
                         const QString& childOutputName);
-    /// addDownEdge() between two ports found by name. A node or a name that is not found is logged at
-    /// critical level, and the answer is -1.
+    /// addDownEdge() between two ports found by name. A node or a name that is not found is logged
+    /// at critical level, and the answer is -1.
     int addDownEdgeByName(const QString& parentInputName, int childNode,
                           const QString& childInputName);
     /// Feeds every unfed input of \p dstNode from the first output of \p srcNode of the same name
     /// whose oldest leaving edge, if any, is a regular one.
     void connectByName(int srcNode, int dstNode);
-    /// Feeds the parent's outputs from the child's outputs of the same name. Left out are the child's
-    /// outputs that are fed from inside the child, and the parent's whose oldest leaving edge, if
-    /// any, is not an up edge.
+    /// Feeds the parent's outputs from the child's outputs of the same name. Left out are the
+    /// child's outputs that are fed from inside the child, and the parent's whose oldest leaving
+    /// edge, if any, is not an up edge.
     void connectUpByName(int childNode);
-    /// Feeds every unfed input of the child from the first input of its parent of the same name whose
-    /// oldest leaving edge, if any, is a down edge.
+    /// Feeds every unfed input of the child from the first input of its parent of the same name
+    /// whose oldest leaving edge, if any, is a down edge.
     void connectDownByName(int childNode);
     /// connectByName() between the outputs of \p srcGroup and the inputs of \p dstGroup. Groups are
     /// compared as plain numbers: -1 stands for the ungrouped ports.
@@ -313,8 +317,8 @@ public:
     /// @}
 
     /// @name Walking against the flow of data
-    /// Each moves a (node, port) position in place and tells whether it moved. Constant time for each
-    /// group boundary crossed, no allocation. None moves from a port that does not exist.
+    /// Each moves a (node, port) position in place and tells whether it moved. Constant time for
+    /// each group boundary crossed, no allocation. None moves from a port that does not exist.
     /// @{
 
     /// From an input, follows down edges back, out of any number of groups, to the outermost input
@@ -322,8 +326,8 @@ public:
     bool walkUp(int& node, int& port) const;
     /// From an input, follows one regular edge back to the sibling's output that feeds it.
     bool walkAcross(int& node, int& port) const;
-    /// From an output, follows up edges back, into any number of groups, to the innermost output that
-    /// produces the value.
+    /// From an output, follows up edges back, into any number of groups, to the innermost output
+    /// that produces the value.
     bool walkDown(int& node, int& port) const;
     /// From an input to the output that produces its value: walkUp(), walkAcross(), walkDown().
     /// \return false when walkAcross() found no edge; the position is then the input that walkUp()
@@ -343,8 +347,8 @@ public:
     /// crossed.
     bool precedes(int upstreamNode, int downstreamNode, bool followHierarchy) const;
 
-    /// Drops the removed slots from both tables and moves the others down. **Every node and edge ref
-    /// from before is meaningless afterwards**, but for the slots before the first removed one.
+    /// Drops the removed slots from both tables and moves the others down. **Every node and edge
+    /// ref from before is meaningless afterwards**, but for the slots before the first removed one.
     ///
     /// Edges are renumbered soundly; the hierarchy is not. A node's parent stays the number that it
     /// was, and each list of children becomes the new refs of the slots 0, 1, 2, ... up to its

@@ -19,8 +19,8 @@ namespace Orv {
 /// minute written out.
 ///
 /// Any thread may call addFrameTimeUS(), clear() and dump() at any time; a mutex guards the fields.
-/// It is not recursive: an overriding flush() or dump() that holds it must not call these operations.
-/// Derived classes lock it to read or change the fields.
+/// It is not recursive: an overriding flush() or dump() that holds it must not call these
+/// operations. Derived classes lock it to read or change the fields.
 class ORV_EXPORT HistogramFrameTimes
 {
 public:
@@ -31,8 +31,8 @@ public:
     HistogramFrameTimes(const HistogramFrameTimes&) = delete;
     HistogramFrameTimes& operator=(const HistogramFrameTimes&) = delete;
 
-    /// Counts one frame of \p us microseconds in the bucket of the next lower multiple of 500. A frame
-    /// of 1000500 or more is ignored. Logarithmic in the number of buckets, 2001 at most.
+    /// Counts one frame of \p us microseconds in the bucket of the next lower multiple of 500. A
+    /// frame of 1000500 or more is ignored. Logarithmic in the number of buckets, 2001 at most.
     void addFrameTimeUS(unsigned int us);
     /// Empties the histogram; what it held is not written.
     void clear();

@@ -9,8 +9,8 @@
 namespace Kestrin {
 namespace Orv {
 
-/// Marks a scope with a name: made at its start, destroyed at its end. Does nothing; it is the place
-/// at which a later version of the library can attach a profiler without touching its users.
+/// Marks a scope with a name: made at its start, destroyed at its end. Does nothing; it is the
+/// place at which a later version of the library can attach a profiler without touching its users.
 class ORV_EXPORT ProfilerHelper
 {
 public:

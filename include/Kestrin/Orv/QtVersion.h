@@ -4,9 +4,9 @@
 #ifndef KESTRIN_ORV_QTVERSION_H
 #define KESTRIN_ORV_QTVERSION_H
 
-/// Strings, variants and lists of Qt cross the library's interface, and their layout differs between
-/// Qt's major versions. A host that is compiled with another one must not reach the linker: the names
-/// of the functions are the same, the arguments are not.
+/// Strings, variants and lists of Qt cross the library's interface, and their layout differs
+/// between Qt's major versions. A host that is compiled with another one must not reach the linker:
+/// the names of the functions are the same, the arguments are not.
 
 #include <QtCore/qglobal.h>
 

@@ -26,14 +26,15 @@ class RenderCallbacks;
 ///   numOutputs() and the name of each output.
 /// - Renderer::setup, if the pass is scheduled: resetNumOutputUsers(), setNumOutputUsers() for each
 ///   output, its inputs (below), setup().
-/// - Renderer::render, if the pass is scheduled: its inputs, clearErrorCode(), beginFrame(), start()
+/// - Renderer::render, if the pass is scheduled: its inputs, clearErrorCode(), beginFrame(),
+/// start()
 ///   or skip(), isFinished() until it is true, endFrame(), errorCode(). After the last pass of the
 ///   frame, output() of every pass that feeds an output of the renderer.
 /// - Renderer::teardown: teardown(), for every registered pass.
 /// - The renderer's destructor: this class's destructor.
 ///
-/// "Its inputs" is numInputs() and then, for each input in ascending order, one setInput(), preceded
-/// by defaultValue() where no live source feeds the input.
+/// "Its inputs" is numInputs() and then, for each input in ascending order, one setInput(),
+/// preceded by defaultValue() where no live source feeds the input.
 class ORV_EXPORT RenderPass
 {
 public:

@@ -23,18 +23,18 @@ struct WalkFrame;
 /// A walker keeps a pointer to its graph, which must neither change nor go away while the walker is
 /// in use. After the last node valid() stays false, node() answers -1 and next() does nothing.
 ///
-/// The input walkers take any start but -1, and yield one that is not in the graph alone. Their flag
-/// followHierarchy chooses, as in Graph::precedes(), how an input leads to a node: false follows only
-/// a regular edge that feeds the input directly; true traces the input through group boundaries to
-/// the node that produces its value.
+/// The input walkers take any start but -1, and yield one that is not in the graph alone. Their
+/// flag followHierarchy chooses, as in Graph::precedes(), how an input leads to a node: false
+/// follows only a regular edge that feeds the input directly; true traces the input through group
+/// boundaries to the node that produces its value.
 
-/// Visits all nodes that feed a start node, directly or not: each once, sources before the nodes that
-/// they feed, inputs in ascending order, the start node last. (Where edges have been wired into a
-/// cycle through the start node, it is yielded a second time.)
+/// Visits all nodes that feed a start node, directly or not: each once, sources before the nodes
+/// that they feed, inputs in ascending order, the start node last. (Where edges have been wired
+/// into a cycle through the start node, it is yielded a second time.)
 ///
-/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, a frame for each
-/// node on the current path, and one byte per node of the graph when the walk reaches a node whose
-/// ref is not below the number of the root's children.
+/// Linear in the nodes and inputs reached. Allocates one byte per child of the root, a frame for
+/// each node on the current path, and one byte per node of the graph when the walk reaches a node
+/// whose ref is not below the number of the root's children.
 class ORV_EXPORT BottomUpInputWalker
 {
 public:
@@ -63,16 +63,17 @@ private:
 };
 
 /// Visits the subtree of a start node: children before their parent and in their order, the start
-/// node last. Yields nothing when the start is not a valid node; below it, children that are removed
-/// but still listed are yielded like any other. Where the lists of children are no tree any more (see
-/// Graph::purge()), each node is yielded once.
+/// node last. Yields nothing when the start is not a valid node; below it, children that are
+/// removed but still listed are yielded like any other. Where the lists of children are no tree any
+/// more (see Graph::purge()), each node is yielded once.
 ///
 /// Linear in the nodes reached. Allocates a frame for each node on the current path and, where the
 /// lists of children are no tree any more, one bit per node of the graph.
 class ORV_EXPORT BottomUpSubgraphWalker
 {
 public:
-    /// Moves to the first node of the walk that ends at \p node; not valid at once unless that is valid.
+    /// Moves to the first node of the walk that ends at \p node; not valid at once unless that is
+    /// valid.
     BottomUpSubgraphWalker(const Graph& graph, int node);
     ~BottomUpSubgraphWalker();
     BottomUpSubgraphWalker(const BottomUpSubgraphWalker&) = delete;
@@ -96,7 +97,8 @@ private:
 /// Visits a start node and then all nodes that feed it, directly or not: each once, level by level,
 /// inputs in ascending order.
 ///
-/// Linear in the nodes and inputs reached. Allocates, once, a byte and an int per node of the graph.
+/// Linear in the nodes and inputs reached. Allocates, once, a byte and an int per node of the
+/// graph.
 class ORV_EXPORT BreadthFirstInputWalker
 {
 public:

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// precedes() answers without a search for a node that no source edge leaves. That is right only while
-// the count of these edges, kept in each node, is exact.
+// precedes() answers without a search for a node that no source edge leaves. That is right only
+// while the count of these edges, kept in each node, is exact.
 
 #include <Kestrin/Orv/Graph.h>
 

@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// A host that was compiled without run-time type information, as many engines are: its passes derive
-// from the library's classes and cannot be asked for their type. All of libOrvInspect that looks at
-// passes works with them.
+// A host that was compiled without run-time type information, as many engines are: its passes
+// derive from the library's classes and cannot be asked for their type. All of libOrvInspect that
+// looks at passes works with them.
 
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Explain.h>
