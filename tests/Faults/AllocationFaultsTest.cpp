@@ -13,6 +13,7 @@
 #include <QtCore/QFile>
 
 #include <cerrno>
+#include <cstddef>
 #include <functional>
 
 #include <fcntl.h>
@@ -340,6 +341,48 @@ TEST(AllocationFaults, AShortageDuringRegistrationReachesTheCallerAndThePassIsOw
         }
         EXPECT_EQ(deleted, 1);
     }
+}
+
+// The next pass of a host may lie where the one that was deleted lay.
+TEST(AllocationFaults, APassThatCouldNotBeKeptIsNotTakenForRegistered)
+{
+    struct Pass : RenderPassHelper
+    {
+        static void* place()
+        {
+            alignas(std::max_align_t) static unsigned char storage[sizeof(Pass)];
+            return storage;
+        }
+        static void* operator new(std::size_t) { return place(); }
+        static void operator delete(void*) { ++deleted(); }
+        static int& deleted()
+        {
+            static int count = 0;
+            return count;
+        }
+    };
+    int timesTried = 0;
+    bool struck = true;
+    for (long successes = 0; struck; ++successes) {
+        SCOPED_TRACE(successes);
+        ASSERT_LT(successes, 1000);
+        Pass::deleted() = 0;
+        Renderer renderer;
+        auto* pass = new Pass;
+        {
+            const Shortage shortage(successes);
+            try {
+                renderer.addPass(kName, pass, Graph::kRootNodeRef);
+            } catch (const std::bad_alloc&) {
+            }
+            struck = shortage.struck();
+        }
+        if (Pass::deleted() == 1) {
+            EXPECT_NE(renderer.addPass(kName, new Pass, Graph::kRootNodeRef), -1);
+            ++timesTried;
+        }
+    }
+    EXPECT_GT(timesTried, 0);
 }
 
 namespace {

@@ -964,10 +964,10 @@ TEST(ExplainTotality, ExplanationsOfAnotherSnapshotAreAnsweredToo)
     Frame f;
     f.renderer.setTarget(f.debug);
     const Snapshot snapshot = Snapshot::of(f.renderer);
-    const Explainer stranger(snapshot);
+    const Explainer other(snapshot);
     for (int node = 0; node < snapshot.nodes.size(); ++node) {
-        EXPECT_NE(explainer.toText(stranger.node(node)), QString());
-        EXPECT_FALSE(explainer.toJson(stranger.node(node)).isEmpty());
+        EXPECT_NE(explainer.toText(other.node(node)), QString());
+        EXPECT_FALSE(explainer.toJson(other.node(node)).isEmpty());
         EXPECT_NE(explainer.toText(stranger.input(node, 0)), QString());
         EXPECT_FALSE(explainer.toJson(stranger.input(node, 0)).isEmpty());
         const EdgeExplanation edge = stranger.edge({node, 0, true}, {f.shadow, 0, false});
