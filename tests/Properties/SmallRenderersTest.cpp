@@ -151,6 +151,7 @@ void agree(const char* name, SmallGraphs::Plan plan, double sequences, std::size
 
 const unsigned kWires = 0;
 const unsigned kCuts = SmallGraphs::RemovePorts | SmallGraphs::RemoveNodes;
+const unsigned kAll = SmallGraphs::All;
 
 ORV_SMALL(flat, wires, 1, kWires, 5, false, 620000, 210000)
 ORV_SMALL(flat, cuts, 1, kCuts, 4, true, 680000, 74000)
@@ -158,6 +159,7 @@ ORV_SMALL(flat, twoPorts, 2, kWires, 3, true, 150000, 46000)
 ORV_SMALL(aGroup, wires, 1, kWires, 5, false, 120000, 46000)
 ORV_SMALL(aGroup, cuts, 1, kCuts, 4, true, 480000, 34000)
 ORV_SMALL(aGroup, twoPorts, 2, kWires, 3, true, 57000, 20000)
+ORV_SMALL(aGroup, allWithTwoPorts, 2, kAll, 2, true, 23000, 13000)
 ORV_SMALL(aFullGroup, wires, 1, kWires, 5, false, 120000, 45000)
 ORV_SMALL(aFullGroup, cuts, 1, kCuts, 4, true, 470000, 34000)
 ORV_SMALL(aFullGroup, twoPorts, 2, kWires, 3, true, 57000, 18000)
