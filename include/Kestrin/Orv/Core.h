@@ -15,7 +15,7 @@ namespace Orv {
 /// The two paths are worked out on first use and kept for the life of the process. They have no
 /// lock: call these functions from one thread at a time.
 
-/// The absolute path of the running executable. When the system does not tell, logs at critical
+/// The absolute path of the running executable. When the system does not say, logs at critical
 /// level, answers an empty path and asks again on the next call.
 ORV_EXPORT QString executablePath();
 

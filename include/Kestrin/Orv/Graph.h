@@ -317,7 +317,7 @@ public:
     /// @}
 
     /// @name Walking against the flow of data
-    /// Each moves a (node, port) position in place and tells whether it moved. Constant time for
+    /// Each moves a (node, port) position in place and says whether it moved. Constant time for
     /// each group boundary crossed, no allocation. None moves from a port that does not exist.
     /// @{
 

@@ -37,7 +37,7 @@ public:
 class ORV_EXPORT MemoryMappedFile : public Memory
 {
 public:
-    /// Opens the file for reading; size() tells whether that worked.
+    /// Opens the file for reading; size() is 0 if that failed.
     explicit MemoryMappedFile(const QString& path);
     /// Closes the file and unmaps what was not released.
     ~MemoryMappedFile() override;

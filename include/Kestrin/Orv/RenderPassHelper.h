@@ -27,7 +27,7 @@ struct NamedValue
 /// for skip(). A derived class declares its ports with addInput() and addOutput() before the pass
 /// is registered (later ones stay unknown to the renderer), overrides what it does itself, and
 /// reads and writes the protected members: `inputs` holds the current input values, `outputs` is
-/// where results go, `outputUsers` tells how many scheduled consumers each output has.
+/// where results go, `outputUsers` holds how many scheduled consumers each output has.
 ///
 /// An index that names no port is harmless: queries answer an empty name or an invalid value, and
 /// setters ignore it. All operations take constant time, the look-ups and resetNumOutputUsers()

@@ -45,7 +45,7 @@ public:
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;
 
-    /// Works out which passes the renderer's outputs and the target need, and in which order; tells
+    /// Works out which passes the renderer's outputs and the target need, and in which order; hands
     /// each of them its numbers of consumers and its inputs, and sets it up. If passes were
     /// scheduled before, tears all passes down first. Linear in the nodes and edges upstream of the
     /// outputs, times the depth of the groups crossed.
