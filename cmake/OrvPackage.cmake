@@ -14,7 +14,6 @@ set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own
 set(CPACK_PACKAGE_CONTACT "The OrvCore authors <maintainers@orvcore.example>")
 set(CPACK_STRIP_FILES OFF) # what goes to -dbgsym is taken out of the files
-set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_PACKAGE_SOURCE orvcore)
 set(CPACK_ORV_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 set(CPACK_PRE_BUILD_SCRIPTS ${debianFiles}/AddDocuments.cmake)
@@ -49,6 +48,7 @@ macro(orv_package_library library package component depends summary description)
   set(CPACK_DEBIAN_${upper}_PACKAGE_CONTROL_EXTRA
     ${PROJECT_BINARY_DIR}/debian/${package}/shlibs ${debianFiles}/triggers)
   set(CPACK_DEBIAN_${upper}_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_${upper}_DEBUGINFO_PACKAGE ON)
 endmacro()
 
 set(core liborvcore${PROJECT_VERSION_MAJOR})
@@ -88,6 +88,7 @@ if(TARGET orv)
 passes run in which order, why one does not run, where an input comes from,
 what is wrong, what has changed. It draws them and runs them with stand-ins.")
   set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_TOOLS_DEBUGINFO_PACKAGE ON)
   set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS graphviz)
 endif()
 

@@ -968,9 +968,9 @@ TEST(ExplainTotality, ExplanationsOfAnotherSnapshotAreAnsweredToo)
     for (int node = 0; node < snapshot.nodes.size(); ++node) {
         EXPECT_NE(explainer.toText(other.node(node)), QString());
         EXPECT_FALSE(explainer.toJson(other.node(node)).isEmpty());
-        EXPECT_NE(explainer.toText(stranger.input(node, 0)), QString());
-        EXPECT_FALSE(explainer.toJson(stranger.input(node, 0)).isEmpty());
-        const EdgeExplanation edge = stranger.edge({node, 0, true}, {f.shadow, 0, false});
+        EXPECT_NE(explainer.toText(other.input(node, 0)), QString());
+        EXPECT_FALSE(explainer.toJson(other.input(node, 0)).isEmpty());
+        const EdgeExplanation edge = other.edge({node, 0, true}, {f.shadow, 0, false});
         EXPECT_NE(explainer.toText(edge), QString());
         EXPECT_FALSE(explainer.toJson(edge).isEmpty());
     }
