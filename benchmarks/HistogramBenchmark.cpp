@@ -10,6 +10,7 @@
 #include <map>
 #include <mutex>
 #include <random>
+#include <thread>
 #include <vector>
 
 // Counting frame times. The size of a row is the number of buckets that its times fall into.
@@ -179,6 +180,9 @@ void addRows(int numBuckets)
 }
 
 const bool registered = [] {
+    // A process that has had a second thread, as every host of a histogram has: before that, the C
+    // library's mutexes leave out their atomic operations, and QMutex does not.
+    std::thread([] {}).join();
     for (const int numBuckets : {1, 10, 60})
         addRows(numBuckets);
     return true;

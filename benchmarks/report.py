@@ -56,7 +56,9 @@ TOPICS = {
               "and the building of the flow graph."),
     "staggered": ("Staggered first frame", "A chain of passes under the staggered first frame."),
     "histogram": ("Frame-time histogram", "The size is the number of buckets in use. "
-                  "prometheus-cpp has its 2001 buckets from the start and never empties itself."),
+                  "prometheus-cpp has its 2001 buckets from the start and never empties itself. "
+                  "The process has had a second thread, as hosts have: before that, the mutexes of "
+                  "the C library leave out their atomic operations."),
     "trace": ("Traces", "A chain of passes behind `TracedPass`, beside the same frame without it "
               "and beside passes that read the clock before and after each of `beginFrame`, "
               "`start` and `endFrame` and append a record. A recorded call reads the clock "
