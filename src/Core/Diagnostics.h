@@ -8,7 +8,6 @@
 #include <QtCore/QMessageLogger>
 #include <QtCore/QString>
 
-#include <cstdarg>
 #include <cstring>
 
 /// Log lines and soft assertions for the library's own sources.
@@ -16,8 +15,8 @@
 /// ORV_DEBUG(format, ...) and ORV_CRITICAL(format, ...) emit one message "[File.cpp:line] ..." at
 /// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) emits, only when the condition
 /// is false, one critical message that quotes it; execution goes on either way. Formats are
-/// printf's; strings are passed in the local 8-bit encoding (qPrintable). A message may also be a
-/// QString, which is then worked out for failures alone.
+/// printf's; strings are passed in the local 8-bit encoding (qPrintable). ORV_ASSERT_MESSAGE takes
+/// a QString in place of the format.
 ///
 /// A call of these macros stands on one line: which line number a call that spans lines is given
 /// differs between compilers.
@@ -40,21 +39,6 @@ inline const char* baseName(const char* path)
     return slash ? slash + 1 : path;
 }
 
-/// The message that the macros are given: a QString, or a format and its arguments.
-inline QString messageText(const QString& text)
-{
-    return text;
-}
-inline QString messageText(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(1, 2);
-inline QString messageText(const char* format, ...)
-{
-    std::va_list arguments;
-    va_start(arguments, format);
-    const QString text = QString::vasprintf(format, arguments);
-    va_end(arguments);
-    return text;
-}
-
 /// The text of a failed assertion. A "%" in the condition is shown as "\%".
 inline QString assertionText(const char* condition, const QString& message)
 {
@@ -74,19 +58,20 @@ inline QString assertionText(const char* condition, const QString& message)
                                               Kestrin::Orv::Diagnostics::baseName(__FILE__),       \
                                               __LINE__, (text).toLocal8Bit().constData())
 
-#define ORV_DEBUG(...) ORV_LOG_LINE(debug, Kestrin::Orv::Diagnostics::messageText(__VA_ARGS__))
-#define ORV_CRITICAL(...)                                                                          \
-    ORV_LOG_LINE(critical, Kestrin::Orv::Diagnostics::messageText(__VA_ARGS__))
+#define ORV_DEBUG(...) ORV_LOG_LINE(debug, QString::asprintf(__VA_ARGS__))
+#define ORV_CRITICAL(...) ORV_LOG_LINE(critical, QString::asprintf(__VA_ARGS__))
 
-#define ORV_ASSERT(condition, ...) ORV_ASSERT_TEXT(condition, #condition, __VA_ARGS__)
+#define ORV_ASSERT(condition, ...)                                                                 \
+    ORV_ASSERT_TEXT(condition, #condition, QString::asprintf(__VA_ARGS__))
 
-/// As ORV_ASSERT, with another text for the condition.
-#define ORV_ASSERT_TEXT(condition, text, ...)                                                      \
+/// The message is an expression that is evaluated for a failure alone.
+#define ORV_ASSERT_MESSAGE(condition, message) ORV_ASSERT_TEXT(condition, #condition, message)
+
+/// The same with another text for the condition.
+#define ORV_ASSERT_TEXT(condition, text, message)                                                  \
     do {                                                                                           \
         if (!(condition))                                                                          \
-            ORV_LOG_LINE(critical,                                                                 \
-                         Kestrin::Orv::Diagnostics::assertionText(                                 \
-                             text, Kestrin::Orv::Diagnostics::messageText(__VA_ARGS__)));          \
+            ORV_LOG_LINE(critical, Kestrin::Orv::Diagnostics::assertionText(text, message));       \
     } while (false)
 
 #endif

@@ -579,8 +579,8 @@ int Graph::addEdgeByName(int srcNode, const QString& srcOutputName, int dstNode,
     const auto noInput = [&] {
         return QString::asprintf("Dest input '%s' is not valid", qPrintable(dstInputName));
     };
-    ORV_ASSERT(isValidOutput(srcNode, findOutput(srcNode, srcOutputName)), noOutput());
-    ORV_ASSERT(isValidInput(dstNode, findInput(dstNode, dstInputName)), noInput());
+    ORV_ASSERT_MESSAGE(isValidOutput(srcNode, findOutput(srcNode, srcOutputName)), noOutput());
+    ORV_ASSERT_MESSAGE(isValidInput(dstNode, findInput(dstNode, dstInputName)), noInput());
     return addEdge(srcNode, findOutput(srcNode, srcOutputName), dstNode,
                    findInput(dstNode, dstInputName));
 }
@@ -599,8 +599,8 @@ int Graph::addDownEdgeByName(const QString& parentInputName, int childNode,
         return QString::asprintf("Parent '%s' Child '%s'", qPrintable(parentInputName),
                                  qPrintable(childInputName));
     };
-    ORV_ASSERT(isValidNode(childNode), names());
-    ORV_ASSERT(isValidInput(childNode, findInput(childNode, childInputName)), names());
+    ORV_ASSERT_MESSAGE(isValidNode(childNode), names());
+    ORV_ASSERT_MESSAGE(isValidInput(childNode, findInput(childNode, childInputName)), names());
     // As a macro call, this condition is too long for a line.
     const char* const isValidParentInput =
         "isValidInput(parentNode(childNode), findInput(parentNode(childNode), parentInputName))";

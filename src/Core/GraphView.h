@@ -71,8 +71,12 @@ struct GraphView
     }
     Input climb(Input from) const
     {
-        for (int steps = numNodes; from.isFedByParent() && steps > 0; --steps)
-            from = input(from.source->srcNode, from.source->srcIndex);
+        for (int steps = numNodes; steps > 0; --steps) {
+            const Edge* source = from.source;
+            if (!source || source->srcNode != from.parent)
+                break;
+            from = input(source->srcNode, source->srcIndex);
+        }
         return from;
     }
     /// Whether the input is fed by a sibling.

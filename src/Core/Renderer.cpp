@@ -284,7 +284,7 @@ int Renderer::Impl::addPass(RenderPass* pass)
         registered.remove(pass);
         throw;
     }
-    owned.release();
+    static_cast<void>(owned.release()); // the list owns it now
     return passes.size() - 1;
 }
 

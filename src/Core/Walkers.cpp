@@ -253,8 +253,9 @@ BreadthFirstInputWalker::BreadthFirstInputWalker(const Graph& graphToWalk, int n
     const int numNodes = graph->numNodesGlobal();
     std::unique_ptr<unsigned char[]> marks(new unsigned char[static_cast<std::size_t>(numNodes)]());
     // One entry more than nodes, and the length of `visited` in front of the queue.
-    queue = new int[static_cast<std::size_t>(numNodes) + 2] + 1;
-    queue[-1] = numNodes;
+    int* const lengthAndQueue = new int[static_cast<std::size_t>(numNodes) + 2];
+    lengthAndQueue[0] = numNodes;
+    queue = lengthAndQueue + 1;
     visited = marks.release();
     if (node == Graph::kInvalidNodeRef)
         return;
