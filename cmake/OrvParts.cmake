@@ -36,9 +36,9 @@ function(orv_find_what_tests_need)
   if(missing)
     list(JOIN missing " " packages)
     message(FATAL_ERROR
-            "The tests need more than is installed; on Debian: apt install ${packages}\n"
-                        "./scripts/test installs all that they use. The preset release builds the "
-                        "libraries, the program orv and the examples without tests.")
+      "The tests need more than is installed; on Debian: apt install ${packages}\n"
+      "./scripts/test installs all that they use. The preset release builds the libraries, the "
+      "program orv and the examples without tests.")
   endif()
 endfunction()
 
@@ -49,7 +49,8 @@ function(orv_say_what_is_left_out)
       libgtest-dev libgmock-dev librapidcheck-dev pkg-config)
   endif()
   if(NOT TARGET docs)
-    orv_left_out("target docs" "doxygen is missing" doxygen doxygen-awesome-css graphviz)
+    orv_left_out("target docs" "doxygen or python3 is missing"
+      doxygen doxygen-awesome-css graphviz python3)
   endif()
   if(NOT TARGET docs-images)
     orv_left_out("target docs-images" "dot is missing" graphviz)

@@ -13,7 +13,8 @@ build_packages=(
     graphviz
 )
 package_packages=(
-    cmake ninja-build g++ qtbase5-dev dpkg-dev file doxygen doxygen-awesome-css graphviz
+    cmake ninja-build g++ qtbase5-dev dpkg-dev file
+    doxygen doxygen-awesome-css graphviz python3
 )
 test_packages=(
     libgtest-dev libgmock-dev librapidcheck-dev binutils clang libclang-rt-14-dev valgrind doxygen

@@ -87,22 +87,6 @@ TEST(Growth, WiringAChainFromItsSourceDownIsLinear)
     });
 }
 
-TEST(Growth, WiringAChainFromItsSinkUpIsLinear)
-{
-    expectLinear(50000, [](int size) -> Work {
-        return [size] {
-            Graph graph;
-            int first = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
-            for (int i = 1; i < size; ++i) {
-                const int next = graph.addNode(QString(), 1, 1, Graph::kRootNodeRef);
-                EXPECT_NE(graph.addEdge(next, 0, first, 0), Graph::kInvalidEdgeRef);
-                first = next;
-            }
-            EXPECT_TRUE(graph.precedes(first, 1, true));
-        };
-    });
-}
-
 // Each group is wired inside before it joins the chain, so down edges leave it already.
 TEST(Growth, WiringAChainOfFilledGroupsFromItsSourceDownIsLinear)
 {
