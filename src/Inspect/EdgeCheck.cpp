@@ -13,42 +13,42 @@ namespace Inspect {
 
 namespace {
 
-/// Arrows between vertices, grouped by the vertex that they leave.
-class Arrows
+/// Arcs between vertices, grouped by the vertex that they leave.
+class Arcs
 {
 public:
-    explicit Arrows(int numVertices)
+    explicit Arcs(int numVertices)
         : first(static_cast<std::size_t>(numVertices) + 1)
     {
     }
-    void add(int from, int to) { arrows.push_back({from, to}); }
+    void add(int from, int to) { arcs.push_back({from, to}); }
     /// After the last add().
     void sort()
     {
-        for (const Arrow& arrow : arrows)
-            ++first[index(arrow.from)];
+        for (const Arc& arc : arcs)
+            ++first[index(arc.from)];
         int sum = 0;
         for (int& entry : first) {
             sum += entry;
             entry = sum;
         }
-        targets.resize(arrows.size());
-        for (const Arrow& arrow : arrows)
-            targets[index(--first[index(arrow.from)])] = arrow.to;
+        targets.resize(arcs.size());
+        for (const Arc& arc : arcs)
+            targets[index(--first[index(arc.from)])] = arc.to;
     }
     int begin(int vertex) const { return first[index(vertex)]; }
     int end(int vertex) const { return first[index(vertex + 1)]; }
     int target(int position) const { return targets[index(position)]; }
 
 private:
-    struct Arrow
+    struct Arc
     {
         int from;
         int to;
     };
     static std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
-    std::vector<Arrow> arrows;
+    std::vector<Arc> arcs;
     std::vector<int> first;
     std::vector<int> targets;
 };
@@ -56,7 +56,7 @@ private:
 /// By vertex: the number of its strongly connected component; -1 where it is alone in it. Tarjan's
 /// algorithm, with the path on a list of its own. Also tells in which order it has left the
 /// vertices.
-std::vector<int> componentsOf(const Arrows& arrows, int numVertices, std::vector<int>& finished)
+std::vector<int> componentsOf(const Arcs& arcs, int numVertices, std::vector<int>& finished)
 {
     const auto at = [](auto& list, int i) -> auto&
     {
@@ -65,33 +65,33 @@ std::vector<int> componentsOf(const Arrows& arrows, int numVertices, std::vector
     struct Step
     {
         int vertex;
-        int next; // the arrow to follow next
+        int next; // the arc to follow next
     };
     const auto size = static_cast<std::size_t>(numVertices);
     std::vector<int> found(size, -1);  // the order in which vertices are reached
     std::vector<int> lowest(size, -1); // the first found that is reached from it and still pending
-    std::vector<int> circles(size, -1);
+    std::vector<int> cycles(size, -1);
     std::vector<bool> pending(size, false);
     std::vector<int> stack;
     std::vector<Step> path;
     int numFound = 0;
     int numFinished = 0;
-    int numCircles = 0;
+    int numCycles = 0;
     finished.assign(size, -1);
 
     const auto enter = [&](int vertex) {
         at(found, vertex) = at(lowest, vertex) = numFound++;
         stack.push_back(vertex);
         pending[static_cast<std::size_t>(vertex)] = true;
-        path.push_back({vertex, arrows.begin(vertex)});
+        path.push_back({vertex, arcs.begin(vertex)});
     };
     for (int start = 0; start < numVertices; ++start) {
         if (at(found, start) < 0)
             enter(start);
         while (!path.empty()) {
             const int vertex = path.back().vertex;
-            if (path.back().next < arrows.end(vertex)) {
-                const int next = arrows.target(path.back().next++);
+            if (path.back().next < arcs.end(vertex)) {
+                const int next = arcs.target(path.back().next++);
                 if (at(found, next) < 0)
                     enter(next);
                 else if (pending[static_cast<std::size_t>(next)])
@@ -113,12 +113,12 @@ std::vector<int> componentsOf(const Arrows& arrows, int numVertices, std::vector
                 stack.pop_back();
                 pending[static_cast<std::size_t>(member)] = false;
                 if (!alone)
-                    at(circles, member) = numCircles;
+                    at(cycles, member) = numCycles;
             } while (member != vertex);
-            numCircles += !alone;
+            numCycles += !alone;
         }
     }
-    return circles;
+    return cycles;
 }
 
 // Each node has two vertices.
@@ -136,14 +136,14 @@ int outputsOf(int node)
 
 EdgeCheck::EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates)
     : snapshot(target)
-    , circles(circlesOf(target, candidates, finished))
-    , closed(circles.size(), false)
+    , cycles(cyclesOf(target, candidates, finished))
+    , closed(cycles.size(), false)
     , order(finished)
     , lastSearch(static_cast<std::size_t>(target.nodes.size()), 0)
 {
     for (int node = 0; node < snapshot.nodes.size(); ++node) {
-        const Arrow through{outputsOf(node), inputsOf(node)};
-        if (closesCircle(through))
+        const Arc through{outputsOf(node), inputsOf(node)};
+        if (closesCycle(through))
             giveUpOn(through);
     }
 }
@@ -171,7 +171,7 @@ PortRef EdgeCheck::destination(const EdgeRecord& edge, EdgeKind kind)
     return {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up};
 }
 
-EdgeCheck::Arrow EdgeCheck::arrowOf(const EdgeRecord& edge, EdgeKind kind)
+EdgeCheck::Arc EdgeCheck::arcOf(const EdgeRecord& edge, EdgeKind kind)
 {
     switch (kind) {
     case EdgeKind::Regular:
@@ -186,43 +186,43 @@ EdgeCheck::Arrow EdgeCheck::arrowOf(const EdgeRecord& edge, EdgeKind kind)
     return {-1, -1};
 }
 
-/// Arrows lead along all the edges there will ever be, and from each node's outputs to its inputs,
+/// Arcs lead along all the edges there will ever be, and from each node's outputs to its inputs,
 /// whether it is a pass or a group. A search that begins at a node's inputs reaches no node whose
-/// outputs these arrows do not lead to. So an edge that the search refuses closes a circle of
-/// arrows.
-std::vector<int> EdgeCheck::circlesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
-                                      std::vector<int>& finished)
+/// outputs these arcs do not lead to. So an edge that the search refuses closes a cycle of
+/// arcs.
+std::vector<int> EdgeCheck::cyclesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
+                                     std::vector<int>& finished)
 {
     const int numNodes = target.nodes.size();
-    Arrows arrows(2 * numNodes);
+    Arcs arcs(2 * numNodes);
     for (int node = 0; node < numNodes; ++node)
-        arrows.add(outputsOf(node), inputsOf(node));
+        arcs.add(outputsOf(node), inputsOf(node));
     for (const EdgeRecord& edge : candidates) {
         const EdgeKind kind = kindOf(target, edge.srcNode, edge.dstNode);
         if (edge.srcNode < 0 || edge.srcNode >= numNodes || edge.dstNode < 0
             || edge.dstNode >= numNodes || kind == EdgeKind::None)
             continue;
-        const Arrow arrow = arrowOf(edge, kind);
-        arrows.add(arrow.from, arrow.to);
+        const Arc arc = arcOf(edge, kind);
+        arcs.add(arc.from, arc.to);
     }
-    arrows.sort();
-    return componentsOf(arrows, 2 * numNodes, finished);
+    arcs.sort();
+    return componentsOf(arcs, 2 * numNodes, finished);
 }
 
-/// Whether an arrow closes a circle with those before it, as far as that is known. If not, it is
+/// Whether an arc closes a cycle with those before it, as far as that is known. If not, it is
 /// one of those before the next.
-bool EdgeCheck::closesCircle(const Arrow& arrow)
+bool EdgeCheck::closesCycle(const Arc& arc)
 {
-    const int circle = circles[static_cast<std::size_t>(arrow.from)];
-    if (circle < 0 || circle != circles[static_cast<std::size_t>(arrow.to)])
+    const int cycle = cycles[static_cast<std::size_t>(arc.from)];
+    if (cycle < 0 || cycle != cycles[static_cast<std::size_t>(arc.to)])
         return false;
-    return closed[static_cast<std::size_t>(circle)] || !order.add(arrow.from, arrow.to);
+    return closed[static_cast<std::size_t>(cycle)] || !order.add(arc.from, arc.to);
 }
 
-/// From now on, its circle is searched for every edge.
-void EdgeCheck::giveUpOn(const Arrow& arrow)
+/// From now on, its cycle is searched for every edge.
+void EdgeCheck::giveUpOn(const Arc& arc)
 {
-    closed[static_cast<std::size_t>(circles[static_cast<std::size_t>(arrow.from)])] = true;
+    closed[static_cast<std::size_t>(cycles[static_cast<std::size_t>(arc.from)])] = true;
 }
 
 /// As Graph::precedes() with followHierarchy. Remembers how it got there.
@@ -303,13 +303,13 @@ EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
         if (!leaving.isEmpty() && snapshot.kindOf(leaving.first()) != EdgeKind::Regular)
             return LeavesGroup;
     }
-    const Arrow arrow = arrowOf(edge, kind);
-    if (closesCircle(arrow)) {
+    const Arc arc = arcOf(edge, kind);
+    if (closesCycle(arc)) {
         if (kind == EdgeKind::Regular && precedes(edge.dstNode, edge.srcNode)) {
             refused = edge;
             return Cycle;
         }
-        giveUpOn(arrow);
+        giveUpOn(arc);
     }
 
     const int ref = snapshot.edges.size();

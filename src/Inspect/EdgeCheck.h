@@ -4,7 +4,7 @@
 #ifndef KESTRIN_ORV_INSPECT_EDGECHECK_H
 #define KESTRIN_ORV_INSPECT_EDGECHECK_H
 
-#include "ArrowOrder.h"
+#include "TopologicalOrder.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
@@ -19,9 +19,9 @@ namespace Inspect {
 /// one follows from the nodes at its ends.
 ///
 /// The graph searches everything upstream for each edge. Here that is done only where it may find
-/// something: all edges are looked through for circles once, in a relation that holds more than the
-/// graph's own. Those outside of circles close none, and of the others, those that do not complete
-/// a circle of this relation.
+/// something: all edges are looked through for cycles once, in a relation that holds more than the
+/// graph's own. Those outside of cycles close none, and of the others, those that do not complete
+/// a cycle of this relation.
 class EdgeCheck
 {
 public:
@@ -40,29 +40,29 @@ public:
     static PortRef source(const EdgeRecord& edge, EdgeKind kind);
     static PortRef destination(const EdgeRecord& edge, EdgeKind kind);
 
-    /// The ports of the whole circle that the edge just refused would close, along the flow, from
+    /// The ports of the whole cycle that the edge just refused would close, along the flow, from
     /// that edge's source to its source.
     QVector<PortRef> cycle() const;
 
 private:
     /// From a vertex to one that a search upstream may reach next.
-    struct Arrow
+    struct Arc
     {
         int from;
         int to;
     };
-    static Arrow arrowOf(const EdgeRecord& edge, EdgeKind kind);
-    static std::vector<int> circlesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
-                                      std::vector<int>& finished);
-    bool closesCircle(const Arrow& arrow);
-    void giveUpOn(const Arrow& arrow);
+    static Arc arcOf(const EdgeRecord& edge, EdgeKind kind);
+    static std::vector<int> cyclesOf(const Snapshot& target, const QVector<EdgeRecord>& candidates,
+                                     std::vector<int>& finished);
+    bool closesCycle(const Arc& arc);
+    void giveUpOn(const Arc& arc);
     bool precedes(int upstream, int downstream);
 
     Snapshot& snapshot;
-    std::vector<int> finished; // by vertex: the order in which the search for circles left them
-    std::vector<int> circles;  // by vertex: the circle that it may be part of; -1 for none
-    std::vector<bool> closed;  // by circle: whether it is one, of edges that the graph takes
-    ArrowOrder order;          // of the accepted edges in the others
+    std::vector<int> finished; // by vertex: the order in which the search for cycles left them
+    std::vector<int> cycles;   // by vertex: the cycle that it may be part of; -1 for none
+    std::vector<bool> closed;  // by cycle: whether it is one, of edges that the graph takes
+    TopologicalOrder order;    // of the accepted edges in the others
 
     // The last search: which nodes it has reached, and through which input of which.
     struct Step

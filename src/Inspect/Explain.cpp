@@ -112,7 +112,7 @@ public:
     {
     }
 
-    /// The first node, breadth first, that nothing reads; -1 if all ways lead in circles.
+    /// The first node, breadth first, that nothing reads; -1 if all ways end in cycles.
     int nearestEnd(int start);
     /// The ports from an end that was found back to `start`.
     QVector<PortRef> pathBack(int end, int start) const;

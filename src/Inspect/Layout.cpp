@@ -129,7 +129,7 @@ void LayingOut::layOutNodes()
     for (int node = 1; node < original.nodes.size(); ++node) {
         line.clear();
         int above = node;
-        // A line longer than the table is a circle.
+        // A line longer than the table is a cycle.
         while (above > 0 && above < refs.size() && refs.at(above) == kNotYet
                && !original.nodes.at(above).removed && line.size() < refs.size()) {
             line.append(above);

@@ -50,7 +50,7 @@ struct CodeRow
 };
 
 const CodeRow kCodes[] = {
-    {"cycle-through-group", "passes feed each other in a circle"},
+    {"cycle-through-group", "passes feed each other in a cycle"},
     {"dead-output", "an output of the renderer is fed by no pass"},
     {"duplicate-name", "a node has the name of an older sibling"},
     {"duplicate-port", "a port has the name of an earlier one of its node"},
@@ -204,7 +204,7 @@ private:
             const int current = isOutput ? numbers.output(position.node, position.port)
                                          : numbers.input(position.node, position.port);
             end.at = position;
-            if (current < 0 || at(states, current) == OnTheWay) // a circle ends where it closes
+            if (current < 0 || at(states, current) == OnTheWay) // a cycle ends where it closes
                 break;
             if (at(states, current) == Known) {
                 end = at(ends, current);
@@ -305,7 +305,7 @@ private:
         const int parent = record(node).parent;
         return parent >= 0 && parent < numNodes && !at(circular, node);
     }
-    /// Graph::contains(), for nodes whose parents do not lead in a circle.
+    /// Graph::contains(), for nodes whose parents do not form a cycle.
     bool contains(int ancestor, int node) const
     {
         return ancestor >= 0 && ancestor < numNodes && at(position, node) > at(position, ancestor)
@@ -336,7 +336,7 @@ private:
     const int numNodes;
     Table<char> needed;    // by node: whether the walk over the graph at setup meets it
     Table<char> holdsPass; // by node: whether a pass lies below it
-    Table<char> circular;  // by node: whether its parents lead into a circle
+    Table<char> circular;  // by node: whether its parents lead into a cycle
     Table<int> position;   // by node: where it stands when each node is followed by all below it
     Table<int> extent;     // by node: how many nodes there are of it and below it
     Table<char> read;      // by port: whether a pass or an output of the renderer takes its value
@@ -397,7 +397,7 @@ QString counted(int number, const char* things)
 
 // What is worked out first
 
-/// Tells which parents lead in a circle, and which nodes have a pass below them.
+/// Tells which parents form a cycle, and which nodes have a pass below them.
 void Linter::climbHierarchy()
 {
     enum : char { Unknown, OnTheWay, Sound };
@@ -530,7 +530,7 @@ void Linter::checkParent(int node)
     const int parent = record(node).parent;
     QString text = paths.node(node);
     if (at(circular, node))
-        text += QLatin1String(" has parents that lead in a circle.");
+        text += QLatin1String(" has parents that form a cycle.");
     else if (parent < 0 || parent >= numNodes)
         text += QLatin1String(" has no parent: node ") + QString::number(parent)
             + QLatin1String(" does not exist.");
@@ -1186,7 +1186,7 @@ void Linter::reportCycle(int start, const Table<int>& component, Table<int>& con
             break;
     }
     report(CycleThroughGroup, PortRef{start, input, false},
-           QLatin1String("Values run in a circle: ") + names.join(QLatin1String(" -> "))
+           QLatin1String("Values run in a cycle: ") + names.join(QLatin1String(" -> "))
                + QLatin1Char('.'),
            snapshot.input(start, input).source);
 }

@@ -201,14 +201,14 @@ QString Paths::escaped(const QString& name)
 
 QString Paths::node(int ref) const
 {
-    // Parents that a compaction has left out of step may lead in a circle.
+    // Parents that a compaction has left out of step may form a cycle.
     const Snapshot& snapshot = impl->snapshot;
     QVector<int> line;
     int length = 0;
     int node = ref;
     for (int steps = snapshot.nodes.size(); node > 0 && node < snapshot.nodes.size(); --steps) {
         if (steps == 0)
-            return QLatin1String("[circle]/") + impl->segments.at(ref);
+            return QLatin1String("[cycle]/") + impl->segments.at(ref);
         line.append(node);
         length += impl->segments.at(node).size() + 1;
         node = snapshot.nodes.at(node).parent;

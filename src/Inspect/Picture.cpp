@@ -105,7 +105,7 @@ public:
 
     const QVector<int>& children(int node) const { return lookUp(below, node); }
     bool isListed(int node) const { return lookUp(listed, node); }
-    /// The nodes that no way leads to from the root, one for each such tree or circle.
+    /// The nodes that no way leads to from the root, one for each such tree or cycle.
     const QVector<int>& strays() const { return unreachable; }
 
 private:
@@ -173,7 +173,7 @@ Tree::Tree(const Snapshot& snapshot)
         walk(*this, 0, 0, visited, nothing, nothing);
     for (int ref = 1; ref < numNodes; ++ref) {
         const NodeRecord& node = snapshot.nodes.at(ref);
-        // A tree below a removed node is met at its top, a circle anywhere.
+        // A tree below a removed node is met at its top, a cycle anywhere.
         const NodeRecord& parent = snapshot.node(node.parent);
         if (node.removed || visited.at(ref) || !parent.removed)
             continue;

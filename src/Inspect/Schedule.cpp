@@ -108,7 +108,7 @@ bool UserCount::contains(int ancestor, int parent)
     const auto exists = [this](int ref) { return ref >= 0 && ref < mark.size(); };
     if (marked != parent) {
         marked = parent;
-        // A line of parents that ends in a circle comes back to what is marked.
+        // A line of parents that ends in a cycle comes back to what is marked.
         for (int ref = parent; exists(ref) && mark.at(ref) != parent;
              ref = snapshot.node(ref).parent)
             mark[ref] = parent;

@@ -160,7 +160,7 @@ bool Snapshot::isLivePass(int ref) const
 }
 
 // As in the graph, no walk takes more steps than there are nodes: a hierarchy that a compaction has
-// left out of step may lead in a circle.
+// left out of step may form a cycle.
 
 bool Snapshot::walkUp(int& ref, int& port) const
 {

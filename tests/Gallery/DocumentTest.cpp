@@ -194,7 +194,7 @@ INSTANTIATE_TEST_SUITE_P(
                  R"("Bloom.Blom -> ToneMap.Bloom")", "42:9: unknown-port"},
         BadGraph{"InputFedTwice", R"("Lighting.Color -> LightMeter.Color")",
                  R"("Lighting.Color -> ToneMap.Bloom")", "52:9: already-fed"},
-        BadGraph{"Circle", R"("ToneMap.Color -> AntiAlias.Color")",
+        BadGraph{"Cycle", R"("ToneMap.Color -> AntiAlias.Color")",
                  R"("Present.Picture -> AntiAlias.Color")", "45:9: cycle"},
         BadGraph{"BadColor", R"("#a0a0a4")", R"("grayish")", "218:34: wrong-value"},
         BadGraph{"WordInVector", "0.6,", R"("a bit",)", "642:22: wrong-value"},

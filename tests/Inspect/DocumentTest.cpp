@@ -360,7 +360,7 @@ TEST(DocumentLosses, TellNodesThatDoNotLieBelowTheRoot)
     snapshot.nodes.resize(4);
     for (int ref = 1; ref < 4; ++ref) {
         snapshot.nodes[ref].removed = false;
-        snapshot.nodes[ref].parent = ref == 1 ? 2 : ref == 2 ? 1 : 77; // a circle, and out of range
+        snapshot.nodes[ref].parent = ref == 1 ? 2 : ref == 2 ? 1 : 77; // a cycle, and out of range
     }
     QVector<Problem> losses;
     const QByteArray text = writeDocument(snapshot, &losses);

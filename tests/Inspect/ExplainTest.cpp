@@ -330,7 +330,7 @@ TEST(ExplainNode, OfSeveralEndsTheNearestAndThenTheOldestIsTold)
 
 TEST(ExplainNode, WhereAllWaysLeadInACircleThePassItselfIsTheEnd)
 {
-    // A is fed from a group, and the group from a pass in it that A feeds: a circle that the graph
+    // A is fed from a group, and the group from a pass in it that A feeds: a cycle that the graph
     // does not see.
     Scene s;
     const int group = s.group("Group", "In", "Out");

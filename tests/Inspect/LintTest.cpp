@@ -490,7 +490,7 @@ TEST(LintCycles, ACircleThroughAGroupIsNamed)
     host.link(b, "out", g, "in");
     EXPECT_EQ(found(host.snapshot(), "cycle-through-group").size(), 1);
     const Finding finding = found(host.snapshot(), "cycle-through-group").first();
-    EXPECT_EQ(finding.text.toStdString(), "Values run in a circle: G/P -> B -> G/P.");
+    EXPECT_EQ(finding.text.toStdString(), "Values run in a cycle: G/P -> B -> G/P.");
     EXPECT_EQ(finding.node, p);
     EXPECT_EQ(finding.port, (PortRef{p, 0, false}));
     EXPECT_EQ(finding.edge, host.graph.inputSource(p, 0));
@@ -508,7 +508,7 @@ TEST(LintCycles, APassThatFeedsItselfThroughItsGroupIsACircle)
     snapshot.nodes[g].outputs[0].destinations.append(snapshot.edges.size());
     snapshot.edges.append({g, 0, g, 0, false});
     EXPECT_EQ(found(snapshot, "cycle-through-group").first().text.toStdString(),
-              "Values run in a circle: G/P -> G/P.");
+              "Values run in a cycle: G/P -> G/P.");
 }
 
 TEST(LintCycles, OfSeveralCirclesThroughANodeTheShortestIsTold)
@@ -527,7 +527,7 @@ TEST(LintCycles, OfSeveralCirclesThroughANodeTheShortestIsTold)
     host.link(a, "out", g, "short");
     const QVector<Finding> findings = found(host.snapshot(), "cycle-through-group");
     ASSERT_EQ(findings.size(), 1);
-    EXPECT_EQ(findings.first().text.toStdString(), "Values run in a circle: G/P -> A -> G/P.");
+    EXPECT_EQ(findings.first().text.toStdString(), "Values run in a cycle: G/P -> A -> G/P.");
     EXPECT_EQ(findings.first().port, (PortRef{p, 1, false}));
 }
 
@@ -750,7 +750,7 @@ TEST(LintEditing, EveryWayToBeOutOfStepIsTold)
               "The root lists a child twice, A.\n"
               "The root lists a child that does not exist, node 9.\n"
               "B lists a child that has another parent, A.\n"
-              "[circle]/C[unlisted 3] has parents that lead in a circle.\n"
+              "[cycle]/C[unlisted 3] has parents that form a cycle.\n"
               "D[unlisted 4] has no parent: node 77 does not exist.\n"
               "E[removed 5]/F[unlisted 6] has a parent that has been removed, E[removed 5].\n");
 }
@@ -930,7 +930,7 @@ void compareWithRenderer(RandomHost& host)
     EXPECT_EQ(places(snapshot, "dead-output"), dead);
     EXPECT_EQ(places(snapshot, "uncounted-users"), uncounted);
 
-    // Circles: nodes that are upstream of themselves, one finding for those upstream of each other.
+    // Cycles: nodes that are upstream of themselves, one finding for those upstream of each other.
     const int numNodes = graph.numNodesGlobal();
     QVector<QVector<bool>> upstream(numNodes, QVector<bool>(numNodes, false));
     for (int node = 0; node < numNodes; ++node) {
@@ -947,7 +947,7 @@ void compareWithRenderer(RandomHost& host)
                 upstream[i][j] = upstream[i][j] || (upstream[i][k] && upstream[k][j]);
         }
     }
-    QSet<int> circles;
+    QSet<int> cycles;
     for (int node = 1; node < numNodes; ++node) {
         int first = node;
         bool hasPass = false;
@@ -958,12 +958,12 @@ void compareWithRenderer(RandomHost& host)
             }
         }
         if (upstream[node][node] && hasPass)
-            circles.insert(first);
+            cycles.insert(first);
     }
     QSet<int> told;
     for (const Finding& finding : found(snapshot, "cycle-through-group"))
         told.insert(finding.node);
-    EXPECT_EQ(told, circles);
+    EXPECT_EQ(told, cycles);
 }
 
 } // namespace

@@ -199,7 +199,7 @@ TEST(Paths, ParentsThatLeadInACircleEnd)
     Snapshot snapshot = Snapshot::of(groups.renderer);
     snapshot.nodes[1].parent = 2;
     snapshot.nodes[2].parent = 1;
-    EXPECT_EQ(text(Paths(snapshot).node(1)), "[circle]/A[unlisted 1]");
+    EXPECT_EQ(text(Paths(snapshot).node(1)), "[cycle]/A[unlisted 1]");
 }
 
 TEST(Paths, WhatDoesNotExistHasANameAllTheSame)

@@ -117,7 +117,7 @@ public:
     void purge();
 
     /// Where the rules leave an answer open, this is set: a chain of down or up edges ran in a
-    /// circle, which only a hierarchy left unsound by purge() can make. How far round it a walk
+    /// cycle, which only a hierarchy left unsound by purge() can make. How far round it a walk
     /// gets is nobody's business, as long as the walk ends.
     mutable bool open = false;
     /// The messages due so far, in the form of MessageSink.

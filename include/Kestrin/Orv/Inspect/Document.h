@@ -99,7 +99,7 @@ struct ReadResult
 ///
 /// Edges must be such that a graph accepts them in the order of the document; one that it would
 /// refuse is reported with the rule that refuses it. Linear in the size of the document; where
-/// passes are wired in a circle, the connections within the circle are tried one by one.
+/// passes are wired in a cycle, the connections within the cycle are tried one by one.
 ORV_INSPECT_EXPORT ReadResult readDocument(const QByteArray& json,
                                            const ValueTypes& types = ValueTypes());
 

@@ -113,8 +113,8 @@ public:
     explicit Explainer(const Snapshot& snapshot);
     ~Explainer();
 
-    /// Why a node runs or not. Linear in the length of the path told, for a pass that nothing needs
-    /// in what lies downstream of it.
+    /// Why a node runs or not. Linear in the length of the path reported, for a pass that nothing
+    /// needs in what lies downstream of it.
     NodeExplanation node(int ref) const;
     /// Where an input's value comes from. Linear in the group boundaries crossed.
     InputExplanation input(int node, int index) const;

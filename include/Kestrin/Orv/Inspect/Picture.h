@@ -14,8 +14,9 @@ namespace Orv {
 namespace Inspect {
 
 /// The whole hierarchy as Graphviz text, UTF-8: groups as clusters, ports as cells of their node,
-/// and what runs, is disabled, not needed or failed told apart by label and line style as well as
-/// colour. An input of a pass that takes its default says so, as does an edge that carries nothing.
+/// and what runs, is disabled, not needed or failed distinguished by label and line style as well
+/// as colour. An input of a pass that takes its default says so, as does an edge that carries
+/// nothing.
 ///
 /// The same bytes for the same snapshot everywhere. Every name is escaped, and shortened to 48
 /// characters. Nodes that have not been removed are drawn once each, whatever their parents and

@@ -21,7 +21,7 @@ struct Schedule
     /// By node ref: the port that led to it first, an output of the renderer or an input of a node
     /// that was reached before; its node is -1 for the target itself and for what is not needed.
     QVector<PortRef> reachedBy;
-    /// By node ref and output index: the number of users that the pass is told; empty for nodes
+    /// By node ref and output index: the number of users that the pass is given; empty for nodes
     /// that do not run.
     QVector<QVector<int>> users;
 };

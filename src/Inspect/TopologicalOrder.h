@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef KESTRIN_ORV_INSPECT_ARROWORDER_H
-#define KESTRIN_ORV_INSPECT_ARROWORDER_H
+#ifndef KESTRIN_ORV_INSPECT_TOPOLOGICALORDER_H
+#define KESTRIN_ORV_INSPECT_TOPOLOGICALORDER_H
 
 #include <algorithm>
 #include <cstddef>
@@ -13,14 +13,14 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// Vertices in an order that arrows between them always lead down in: the algorithm of Pearce and
-/// Kelly. An arrow that leads down already takes constant time; for another, what lies between its
+/// Vertices in an order that arcs between them always lead down in: the algorithm of Pearce and
+/// Kelly. An arc that leads down already takes constant time; for another, what lies between its
 /// ends is looked through and put in order.
-class ArrowOrder
+class TopologicalOrder
 {
 public:
     /// \param startingPositions by vertex, each one once.
-    explicit ArrowOrder(std::vector<int> startingPositions)
+    explicit TopologicalOrder(std::vector<int> startingPositions)
         : positions(std::move(startingPositions))
         , lastSearch(positions.size(), 0)
         , leaving(positions.size(), -1)
@@ -28,7 +28,7 @@ public:
     {
     }
 
-    /// Adds an arrow; false, and adds nothing, if it closes a circle.
+    /// Adds an arc; false, and adds nothing, if it closes a cycle.
     bool add(int from, int to)
     {
         if (at(positions, from) < at(positions, to) && !makeRoom(from, to))
@@ -49,7 +49,7 @@ private:
 
     static int& at(std::vector<int>& list, int i) { return list[static_cast<std::size_t>(i)]; }
 
-    /// The vertices that arrows lead to, from `start` on, and that stand between both positions.
+    /// The vertices that arcs lead to, from `start` on, and that stand between both positions.
     std::vector<int> reached(int start, std::vector<int>& heads, int lowest, int highest)
     {
         ++searches;
@@ -96,7 +96,7 @@ private:
     std::vector<int> lastSearch; // by vertex: the last search that has reached it
     int searches = 0;
     std::vector<Link> links;
-    std::vector<int> leaving; // by vertex: its last link along an arrow
+    std::vector<int> leaving; // by vertex: its last link along an arc
     std::vector<int> entering;
 };
 
