@@ -6,6 +6,7 @@
 #include "support/Shape.h"
 
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/RenderPassHelper.h>
 #include <Kestrin/Orv/Renderer.h>
 

@@ -6,9 +6,11 @@
 #include "PassMakers.h"
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/Lint.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/Walkers.h>
 
 #include <QtGui/QVector3D>
@@ -66,8 +68,9 @@ QVector<Inspect::Problem> GalleryGraph::build(const Inspect::ReadResult& documen
     Inspect::PassFactory factory;
     const QStringList known = passTypes();
     for (const QString& type : known) {
-        factory.add(
-            type, [this, type](const Inspect::NodeRecord& node) { return make(type, node.name); });
+        factory.add(type, [this, type](const Inspect::PassRequest& request) {
+            return make(type, request.node.name);
+        });
     }
     const auto problems = Inspect::buildRenderer(document.snapshot, host, factory, document.places);
     Inspect::Trace::namePasses(host);

@@ -4,7 +4,7 @@
 #ifndef GALLERY_VALUETYPES_H
 #define GALLERY_VALUETYPES_H
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/ValueTypes.h>
 
 namespace Gallery {
 

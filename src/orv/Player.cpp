@@ -8,7 +8,9 @@
 #include "ParameterValue.h"
 #include "Trouble.h"
 
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 
 #include <functional>
 
@@ -115,17 +117,13 @@ Player::Player(const Arguments& arguments, const Document& document, Inspect::Tr
 {
     readOptions(arguments, document);
 
-    const Paths paths(played);
-    // Documents are built node by node in the order of the table.
-    int node = 0;
-    const auto makePass = [this, &paths, &node](const NodeRecord& record) -> RenderPass* {
-        do
-            ++node;
-        while (node < played.nodes.size() && !played.node(node).pass);
-        auto* pass = new PlayedPass(*this, node, record, behaviours.value(node));
+    const auto makePass = [this](const Inspect::PassRequest& request) -> RenderPass* {
+        // The refs of a document are those of the renderer that is built from it.
+        auto* pass =
+            new PlayedPass(*this, request.ref, request.node, behaviours.value(request.ref));
         if (!trace)
             return pass;
-        return new Inspect::TracedPass(*trace, paths.node(node), pass);
+        return new Inspect::TracedPass(*trace, request.path, pass);
     };
     Inspect::PassFactory factory;
     factory.setFallback(makePass);

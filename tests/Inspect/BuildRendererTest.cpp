@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
@@ -38,7 +39,7 @@ PassFactory counting(const QString& inputName = QStringLiteral("i"))
 {
     PassFactory factory;
     factory.add(QStringLiteral("Counted"),
-                [inputName](const NodeRecord&) { return new CountedPass(inputName); });
+                [inputName](const PassRequest&) { return new CountedPass(inputName); });
     return factory;
 }
 
@@ -117,7 +118,7 @@ TEST(BuildRenderer, TellsMakersThatMakeNothing)
 {
     Renderer renderer;
     PassFactory factory;
-    factory.setFallback([](const NodeRecord&) -> RenderPass* { return nullptr; });
+    factory.setFallback([](const PassRequest&) -> RenderPass* { return nullptr; });
     EXPECT_EQ(build(R"("nodes":[{"path":"A","pass":"X"}])", renderer, factory),
               "2:10 no-pass: A: no pass of type \"X\" was made\n");
 }
@@ -127,7 +128,7 @@ TEST(BuildRenderer, TellsMakersThatMakeOnePassForTwoNodes)
     Renderer renderer;
     auto* const pass = new CountedPass;
     PassFactory factory;
-    factory.setFallback([pass](const NodeRecord&) -> RenderPass* { return pass; });
+    factory.setFallback([pass](const PassRequest&) -> RenderPass* { return pass; });
     EXPECT_EQ(build(kTwo, renderer, factory),
               "4:1 shared-pass: B: its pass was made for another node before\n");
     EXPECT_EQ(passesAlive, 0);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Renderer.h>
 

@@ -8,6 +8,7 @@
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/RenderPassHelper.h>
 #include <Kestrin/Orv/Renderer.h>
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/RenderPassHelper.h>

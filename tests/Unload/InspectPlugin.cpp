@@ -12,6 +12,7 @@
 #include "Inspect/ReportSample.h"
 #include "support/WildRenderer.h"
 
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/Diff.h>
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Explain.h>
@@ -22,6 +23,7 @@
 #include <Kestrin/Orv/Inspect/Schedule.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>

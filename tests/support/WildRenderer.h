@@ -5,6 +5,7 @@
 #define ORV_TESTS_WILDRENDERER_H
 
 #include <Kestrin/Orv/Graph.h>
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Renderer.h>

@@ -10,6 +10,7 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 #include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/OrvCore.h>
 
 #include <cstdio>

@@ -6,11 +6,10 @@
 
 #include <Kestrin/Orv/Inspect/Export.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/ValueTypes.h>
 
 #include <QtCore/QByteArray>
-#include <QtCore/QHash>
-#include <QtCore/QJsonValue>
-#include <QtCore/QPair>
+#include <QtCore/QVector>
 
 namespace Kestrin {
 namespace Orv {
@@ -42,39 +41,6 @@ struct Places
     Place target;         ///< of the target; none if there is no target
 };
 
-/// How values of types that JSON does not know are written and read.
-///
-/// Known from the start: bool, int, uint, qlonglong, qulonglong, float, double, QString,
-/// QStringList, QByteArray, QVariantList and QVariantMap. A value of another type is written
-/// through what the host has added here; failing that as the bytes of QDataStream; failing that it
-/// is lost, which writeDocument() tells. A reader that does not know a type keeps the value as it
-/// stands in the document (see ForeignValue) and writes it as it was.
-class ORV_INSPECT_EXPORT ValueTypes
-{
-public:
-    /// Puts a value of a type into JSON.
-    using ToJson = std::function<QJsonValue(const QVariant&)>;
-    /// Answers an invalid value for JSON that it cannot read.
-    using FromJson = std::function<QVariant(const QJsonValue&)>;
-
-    /// \param type the type's name, as QVariant::typeName() answers it.
-    void add(const QString& type, const ToJson& toJson, const FromJson& fromJson);
-    /// The converters of a type; null ones if it was not added.
-    ToJson toJson(const QString& type) const;
-    /// As toJson(), the other way.
-    FromJson fromJson(const QString& type) const;
-
-private:
-    QHash<QString, QPair<ToJson, FromJson>> converters;
-};
-
-/// A value of a type that this program does not know, as it stands in the document.
-struct ForeignValue
-{
-    QString type;     ///< the name of its type
-    QJsonValue value; ///< what stands for it
-};
-
 /// Writes a snapshot as a document: JSON, the same bytes for the same snapshot everywhere. Removed
 /// nodes and edges are left out.
 /// \param losses told what a document cannot hold, if not null: values without a written form,
@@ -103,44 +69,8 @@ struct ReadResult
 ORV_INSPECT_EXPORT ReadResult readDocument(const QByteArray& json,
                                            const ValueTypes& types = ValueTypes());
 
-/// Makes the passes of a renderer that is built from a snapshot.
-class ORV_INSPECT_EXPORT PassFactory
-{
-public:
-    /// Makes a pass for a node. Its ports must be those of the node, in number, order and name.
-    using Maker = std::function<RenderPass*(const NodeRecord&)>;
-
-    /// Passes of this type are made by \p maker from now on.
-    void add(const QString& type, const Maker& maker);
-    /// Passes of types that were not added are made by \p maker; without one they are a problem.
-    void setFallback(const Maker& maker);
-    /// A factory that makes a StandInPass of everything.
-    static PassFactory standIns();
-
-    /// The maker for a type; null if there is none.
-    Maker maker(const QString& type) const;
-
-private:
-    QHash<QString, Maker> makers;
-    Maker fallback;
-};
-
-/// Builds what a snapshot shows in a renderer that holds nothing but its root: the document, read
-/// and built, gives a renderer whose snapshot is written as the same document. Removed nodes and
-/// edges are left out, so refs may differ.
-/// \return what stands in the way: types that the factory does not know, passes whose ports are not
-/// those of the document, a renderer that is not empty, edges that the graph refuses. When it is
-/// not empty, the renderer has been left as it was.
-///
-/// Takes the time of the graph's own calls: Graph::addEdge() tests each edge for cycles.
-ORV_INSPECT_EXPORT QVector<Problem> buildRenderer(const Snapshot& snapshot, Renderer& renderer,
-                                                  const PassFactory& factory,
-                                                  const Places& places = Places());
-
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin
-
-Q_DECLARE_METATYPE(Kestrin::Orv::Inspect::ForeignValue)
 
 #endif

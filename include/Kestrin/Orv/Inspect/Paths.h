@@ -13,25 +13,6 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A port by refs.
-struct PortRef
-{
-    int node = -1;         ///< the node that it belongs to; -1 for no port
-    int index = -1;        ///< its index among the node's inputs, or outputs
-    bool isOutput = false; ///< which of both
-};
-
-/// Whether both name the same port.
-inline bool operator==(const PortRef& a, const PortRef& b)
-{
-    return a.node == b.node && a.index == b.index && a.isOutput == b.isOutput;
-}
-/// Whether they name different ports.
-inline bool operator!=(const PortRef& a, const PortRef& b)
-{
-    return !(a == b);
-}
-
 /// Names nodes and ports by paths, as documents, messages and commands do, and finds them again.
 ///
 ///     Bloom/Blur               the node Blur in the group Bloom

@@ -56,6 +56,25 @@ struct EdgeRecord
     bool removed = true; ///< a slot that holds no edge any more
 };
 
+/// A port by refs.
+struct PortRef
+{
+    int node = -1;         ///< the node that it belongs to; -1 for no port
+    int index = -1;        ///< its index among the node's inputs, or outputs
+    bool isOutput = false; ///< which of both
+};
+
+/// Whether both name the same port.
+inline bool operator==(const PortRef& a, const PortRef& b)
+{
+    return a.node == b.node && a.index == b.index && a.isOutput == b.isOutput;
+}
+/// Whether they name different ports.
+inline bool operator!=(const PortRef& a, const PortRef& b)
+{
+    return !(a == b);
+}
+
 /// Which way an edge runs, as Graph tells it from the parents of its ends.
 enum class EdgeKind {
     None,    ///< none of those below: its ends have been removed, or lie in unrelated groups
@@ -93,8 +112,28 @@ public:
     const PortRecord& input(int ref, int index) const;
     /// An output of a node.
     const PortRecord& output(int ref, int index) const;
+    /// An input or output of a node.
+    const PortRecord& port(const PortRef& ref) const;
+    /// Whether the node has such a port.
+    bool hasPort(const PortRef& ref) const;
     /// Which way an edge runs; EdgeKind::None for a removed one.
     EdgeKind kindOf(int ref) const;
+    /// Which way an edge between two nodes runs, or would run.
+    EdgeKind kindBetween(int srcNode, int dstNode) const;
+    /// The port that an edge leaves. Where the edge is of no kind, that is an output, as Graph
+    /// connects it. What the edge names need not exist.
+    PortRef sourceOf(int ref) const;
+    /// The port that an edge enters; an input where the edge is of no kind.
+    PortRef destinationOf(int ref) const;
+    /// The port that an edge of a kind leaves, whether or not it is in a snapshot.
+    static PortRef sourceOf(const EdgeRecord& edge, EdgeKind kind);
+    /// The port that an edge of a kind enters.
+    static PortRef destinationOf(const EdgeRecord& edge, EdgeKind kind);
+    /// The port that feeds another, as the walks of the graph follow the edge between them: for an
+    /// output one of a child, for an input one of the parent or of a sibling. It is the port that
+    /// the edge names and need not exist. No port, whose node is -1, if nothing feeds it or if its
+    /// edge carries nothing.
+    PortRef feeder(const PortRef& ref) const;
     /// Whether the node has a pass that is enabled: the only ones that are run and read.
     bool isLivePass(int ref) const;
 

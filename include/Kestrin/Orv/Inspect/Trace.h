@@ -5,7 +5,6 @@
 #define KESTRIN_ORV_INSPECT_TRACE_H
 
 #include <Kestrin/Orv/Inspect/Export.h>
-#include <Kestrin/Orv/RenderPass.h>
 
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
@@ -163,58 +162,6 @@ public:
 private:
     friend class TracedPass;
     std::shared_ptr<Recording> recording; // shared with the passes
-};
-
-/// Stands between a renderer and a pass: hands every operation on, with its arguments and results,
-/// and has it recorded.
-class ORV_INSPECT_EXPORT TracedPass : public RenderPass
-{
-public:
-    /// \param trace where calls are recorded as long as it exists.
-    /// \param name what the trace calls the pass; see also Trace::namePasses().
-    /// \param pass handed over to this, whatever happens. Null stands for a RenderPassHelper.
-    TracedPass(Trace& trace, const QString& name, RenderPass* pass);
-    /// Deletes the pass behind this.
-    ~TracedPass() override;
-    TracedPass(const TracedPass&) = delete;
-    TracedPass& operator=(const TracedPass&) = delete;
-
-    /// The pass behind this one, which this keeps owning.
-    RenderPass* pass() const;
-    /// The pass that does the work: what is behind \p pass if that is a TracedPass, and behind the
-    /// next one, and so on; else \p pass itself. Null for null.
-    static const RenderPass* innermost(const RenderPass* pass);
-    static RenderPass* innermost(RenderPass* pass); ///< the same
-    /// The index of this pass in its trace.
-    int index() const;
-    /// Changes what the trace calls this pass.
-    void setName(const QString& name);
-
-    void setup(RenderCallbacks* callbacks) override;
-    void beginFrame(RenderCallbacks* callbacks) override;
-    void start(RenderCallbacks* callbacks) override;
-    void skip(RenderCallbacks* callbacks) override;
-    void endFrame(RenderCallbacks* callbacks) override;
-    bool isFinished() const override;
-    void teardown(RenderCallbacks* callbacks) override;
-    void teardownContextData(RenderCallbacks* callbacks) override;
-    int numInputs() const override;
-    int numOutputs() const override;
-    QString inputName(int index) const override;
-    QString outputName(int index) const override;
-    void setInput(int index, const QVariant& value) override;
-    QVariant defaultValue(int index) const override;
-    void setDefaultValue(int index, const QVariant& value) override;
-    QVariant output(int index) const override;
-    void setNumOutputUsers(int index, int users) override;
-    void resetNumOutputUsers() override;
-    unsigned int errorCode() const override;
-    void clearErrorCode() override;
-    void setErrorCode(unsigned int code) override;
-
-private:
-    struct Impl;
-    std::unique_ptr<Impl> impl;
 };
 
 } // namespace Inspect

@@ -3,8 +3,8 @@
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 
-#include "LookUp.h"
-#include "PathSegment.h"
+#include "Model/LookUp.h"
+#include "Model/PathSegment.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QPair>

@@ -4,11 +4,12 @@
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 
-#include "EdgeCheck.h"
-#include "JsonText.h"
-#include "LookUp.h"
-#include "PathSegment.h"
-#include "Values.h"
+#include "Document/DocumentValues.h"
+#include "Document/JsonText.h"
+#include "Model/LookUp.h"
+#include "Model/PathSegment.h"
+#include "Model/ValueText.h"
+#include "Rules/EdgeCheck.h"
 
 #include <QtCore/QSet>
 #include <QtCore/QStringList>
@@ -22,20 +23,6 @@ namespace Orv {
 namespace Inspect {
 
 namespace {
-
-/// Text of the document on one line.
-QString oneLine(const QString& text)
-{
-    QString line;
-    line.reserve(text.size());
-    for (const QChar c : text) {
-        if (c.unicode() < 0x20 || c.unicode() == 0x7F)
-            line += Paths::escaped(c);
-        else
-            line += c;
-    }
-    return line;
-}
 
 QString quoted(const QString& text)
 {
@@ -801,7 +788,7 @@ void DocumentReader::readEdge(int item)
     const bool knowsTo = readEnd(ends.last(), item, where, to);
     if (!knowsFrom || !knowsTo)
         return;
-    const EdgeKind kind = EdgeCheck::kindOf(result.snapshot, from.node, to.node);
+    const EdgeKind kind = result.snapshot.kindBetween(from.node, to.node);
     if (kind == EdgeKind::None) {
         report(item, "unrelated-nodes",
                where + QLatin1String("the nodes are neither siblings nor a group and its child"));
@@ -832,14 +819,14 @@ void DocumentReader::checkEdges()
             continue;
         }
         const QString where = quoted(text.string(item)) + QLatin1String(": ");
-        const EdgeKind kind = EdgeCheck::kindOf(result.snapshot, edge.srcNode, edge.dstNode);
-        const PortRef from = EdgeCheck::source(edge, kind);
-        const PortRef to = EdgeCheck::destination(edge, kind);
+        const EdgeKind kind = result.snapshot.kindBetween(edge.srcNode, edge.dstNode);
+        const PortRef from = Snapshot::sourceOf(edge, kind);
+        const PortRef to = Snapshot::destinationOf(edge, kind);
         const auto otherEnd = [&](int other) {
             const EdgeRecord& record = result.snapshot.edge(other);
             return QPair<PortRef, PortRef>(
-                EdgeCheck::source(record, result.snapshot.kindOf(other)),
-                EdgeCheck::destination(record, result.snapshot.kindOf(other)));
+                Snapshot::sourceOf(record, result.snapshot.kindOf(other)),
+                Snapshot::destinationOf(record, result.snapshot.kindOf(other)));
         };
         if (verdict == EdgeCheck::AlreadyFed) {
             const PortRecord& port = to.isOutput ? result.snapshot.output(to.node, to.index)

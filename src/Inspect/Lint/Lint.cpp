@@ -3,7 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Lint.h>
 
-#include "PortNumbers.h"
+#include "Model/PortNumbers.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QStringList>

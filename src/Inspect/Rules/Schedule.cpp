@@ -3,7 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Schedule.h>
 
-#include "LookUp.h"
+#include "Model/LookUp.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef KESTRIN_ORV_INSPECT_VALUES_H
-#define KESTRIN_ORV_INSPECT_VALUES_H
+#ifndef KESTRIN_ORV_INSPECT_DOCUMENTVALUES_H
+#define KESTRIN_ORV_INSPECT_DOCUMENTVALUES_H
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/ValueTypes.h>
 
 #include <QtCore/QJsonObject>
 
@@ -18,9 +18,6 @@ const int kMaxValueDepth = 64;
 /// Puts "type" and "value" into an object as a document has them; nothing for an invalid value.
 /// \return false, and leaves the object as it was, if the value has no written form.
 bool writeValue(const QVariant& value, const ValueTypes& types, QJsonObject& object);
-
-/// A number as a document has it: 0.9F is "0.9".
-QString numberText(const QVariant& value);
 
 /// Whether values of this type are lists or maps of values.
 bool isValueList(const QString& type);

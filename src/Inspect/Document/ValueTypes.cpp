@@ -1,9 +1,10 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/ValueTypes.h>
 
-#include "Values.h"
+#include "Document/DocumentValues.h"
+#include "Model/ValueText.h"
 
 #include <QtCore/QDataStream>
 #include <QtCore/QJsonArray>
@@ -167,18 +168,6 @@ bool readSpecialNumber(const QString& text, double& number)
     return true;
 }
 
-/// The shortest number that a reader rounds to the same float.
-double shortest(float number)
-{
-    for (const int digits : {6, 7, 8, 9}) {
-        const double candidate =
-            QByteArray::number(static_cast<double>(number), 'g', digits).toDouble();
-        if (static_cast<float>(candidate) == number)
-            return candidate;
-    }
-    return static_cast<double>(number);
-}
-
 bool writeAny(const QVariant& value, const ValueTypes& types, int depth, QJsonObject& object);
 
 bool writeList(const QVariantList& list, const ValueTypes& types, int depth, QJsonArray& array)
@@ -228,7 +217,7 @@ QJsonValue written(const QVariant& value, const ValueTypes& types, int depth)
     case QMetaType::Float: {
         const float number = value.toFloat();
         const QJsonValue special = specialNumber(static_cast<double>(number));
-        return special.isUndefined() ? QJsonValue(shortest(number)) : special;
+        return special.isUndefined() ? QJsonValue(shortestNumber(number)) : special;
     }
     case QMetaType::Double: {
         const QJsonValue special = specialNumber(value.toDouble());
@@ -319,13 +308,6 @@ bool readFloating(const QJsonValue& json, double& number)
 }
 
 } // namespace
-
-QString numberText(const QVariant& value)
-{
-    QJsonObject object;
-    writeValue(value, ValueTypes(), object);
-    return object.value(QLatin1String("value")).toVariant().toString();
-}
 
 bool isValueList(const QString& type)
 {

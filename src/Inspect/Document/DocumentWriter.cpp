@@ -4,9 +4,9 @@
 #include <Kestrin/Orv/Inspect/Document.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 
-#include "EdgeCheck.h"
-#include "Layout.h"
-#include "Values.h"
+#include "Document/CanonicalSnapshot.h"
+#include "Document/DocumentValues.h"
+#include "Rules/EdgeCheck.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -164,8 +164,8 @@ QJsonArray DocumentWriter::edges() const
     for (int i = 0; i < snapshot.edges.size(); ++i) {
         const EdgeRecord& edge = snapshot.edges.at(i);
         const EdgeKind kind = snapshot.kindOf(i);
-        list.append(paths.port(EdgeCheck::source(edge, kind)) + QLatin1String(" -> ")
-                    + paths.port(EdgeCheck::destination(edge, kind)));
+        list.append(paths.port(Snapshot::sourceOf(edge, kind)) + QLatin1String(" -> ")
+                    + paths.port(Snapshot::destinationOf(edge, kind)));
     }
     return list;
 }
@@ -198,13 +198,13 @@ QByteArray DocumentWriter::write()
 QByteArray writeDocument(const Snapshot& snapshot, QVector<Problem>* losses,
                          const ValueTypes& types)
 {
-    const Layout layout(snapshot);
+    const CanonicalSnapshot canonical(snapshot);
     if (losses) {
         losses->clear();
-        for (const Layout::Loss& loss : layout.losses)
+        for (const CanonicalSnapshot::Loss& loss : canonical.losses)
             losses->append({loss.code, loss.text, Place()});
     }
-    return DocumentWriter(layout.snapshot, types, losses).write();
+    return DocumentWriter(canonical.snapshot, types, losses).write();
 }
 
 } // namespace Inspect

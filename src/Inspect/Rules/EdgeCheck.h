@@ -4,7 +4,7 @@
 #ifndef KESTRIN_ORV_INSPECT_EDGECHECK_H
 #define KESTRIN_ORV_INSPECT_EDGECHECK_H
 
-#include "TopologicalOrder.h"
+#include "Rules/TopologicalOrder.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
@@ -33,12 +33,6 @@ public:
 
     /// Adds an edge unless a rule forbids it.
     Verdict add(const EdgeRecord& edge);
-
-    /// The kind that an edge between two nodes has.
-    static EdgeKind kindOf(const Snapshot& snapshot, int srcNode, int dstNode);
-    /// The ports at its ends.
-    static PortRef source(const EdgeRecord& edge, EdgeKind kind);
-    static PortRef destination(const EdgeRecord& edge, EdgeKind kind);
 
     /// The ports of the whole cycle that the edge just refused would close, along the flow, from
     /// that edge's source to its source.

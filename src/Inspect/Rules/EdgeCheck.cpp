@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "EdgeCheck.h"
+#include "Rules/EdgeCheck.h"
 
-#include "LookUp.h"
+#include "Model/LookUp.h"
 
 #include <algorithm>
 
@@ -148,29 +148,6 @@ EdgeCheck::EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates)
     }
 }
 
-EdgeKind EdgeCheck::kindOf(const Snapshot& snapshot, int srcNode, int dstNode)
-{
-    const int srcParent = snapshot.node(srcNode).parent;
-    const int dstParent = snapshot.node(dstNode).parent;
-    if (srcParent == dstParent)
-        return EdgeKind::Regular;
-    if (srcNode == dstParent)
-        return EdgeKind::Down;
-    if (srcParent == dstNode)
-        return EdgeKind::Up;
-    return EdgeKind::None;
-}
-
-PortRef EdgeCheck::source(const EdgeRecord& edge, EdgeKind kind)
-{
-    return {edge.srcNode, edge.srcIndex, kind != EdgeKind::Down};
-}
-
-PortRef EdgeCheck::destination(const EdgeRecord& edge, EdgeKind kind)
-{
-    return {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up};
-}
-
 EdgeCheck::Arc EdgeCheck::arcOf(const EdgeRecord& edge, EdgeKind kind)
 {
     switch (kind) {
@@ -198,7 +175,7 @@ std::vector<int> EdgeCheck::cyclesOf(const Snapshot& target, const QVector<EdgeR
     for (int node = 0; node < numNodes; ++node)
         arcs.add(outputsOf(node), inputsOf(node));
     for (const EdgeRecord& edge : candidates) {
-        const EdgeKind kind = kindOf(target, edge.srcNode, edge.dstNode);
+        const EdgeKind kind = target.kindBetween(edge.srcNode, edge.dstNode);
         if (edge.srcNode < 0 || edge.srcNode >= numNodes || edge.dstNode < 0
             || edge.dstNode >= numNodes || kind == EdgeKind::None)
             continue;
@@ -255,8 +232,8 @@ bool EdgeCheck::precedes(int upstream, int downstream)
 
 QVector<PortRef> EdgeCheck::cycle() const
 {
-    QVector<PortRef> ports{source(refused, EdgeKind::Regular),
-                           destination(refused, EdgeKind::Regular)};
+    QVector<PortRef> ports{Snapshot::sourceOf(refused, EdgeKind::Regular),
+                           Snapshot::destinationOf(refused, EdgeKind::Regular)};
     // From the refused edge's destination, found last, to its source, where the search began.
     for (int step = static_cast<int>(reached.size()) - 1; step > 0;) {
         const Step& hop = reached[static_cast<std::size_t>(step)];
@@ -270,7 +247,7 @@ QVector<PortRef> EdgeCheck::cycle() const
             const EdgeRecord& edge = snapshot.edge(record.source);
             if (edge.removed)
                 break;
-            port = source(edge, kindOf(snapshot, edge.srcNode, edge.dstNode));
+            port = Snapshot::sourceOf(edge, snapshot.kindBetween(edge.srcNode, edge.dstNode));
             against.append(port);
         }
         // Down to what produces the value; a group on the way is left by its inside.
@@ -282,7 +259,7 @@ QVector<PortRef> EdgeCheck::cycle() const
 
 EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
 {
-    const EdgeKind kind = kindOf(snapshot, edge.srcNode, edge.dstNode);
+    const EdgeKind kind = snapshot.kindBetween(edge.srcNode, edge.dstNode);
     if (kind == EdgeKind::None)
         return NotRelated;
     const auto ports = [this](const PortRef& ref) -> QVector<PortRecord>* {
@@ -292,8 +269,8 @@ EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
         QVector<PortRecord>& list = ref.isOutput ? node.outputs : node.inputs;
         return ref.index >= 0 && ref.index < list.size() ? &list : nullptr;
     };
-    QVector<PortRecord>* const left = ports(source(edge, kind));
-    QVector<PortRecord>* const entered = ports(destination(edge, kind));
+    QVector<PortRecord>* const left = ports(Snapshot::sourceOf(edge, kind));
+    QVector<PortRecord>* const entered = ports(Snapshot::destinationOf(edge, kind));
     if (!left || !entered)
         return NoSuchPort;
     if (entered->at(edge.dstIndex).source >= 0)

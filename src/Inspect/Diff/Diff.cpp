@@ -3,10 +3,11 @@
 
 #include <Kestrin/Orv/Inspect/Diff.h>
 
-#include "PortNumbers.h"
-#include "Values.h"
+#include "Document/DocumentValues.h"
+#include "Model/PortNumbers.h"
+#include "Model/ValueText.h"
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/ForeignValue.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 
 #include <QtCore/QDataStream>
@@ -69,16 +70,6 @@ static_assert(sizeof kCodes / sizeof *kCodes == NumCodes, "a text for each code"
 
 // Texts
 
-/// A text of the host's on one line.
-QString oneLine(const QString& text)
-{
-    QString line;
-    line.reserve(text.size());
-    for (const QChar c : text)
-        line += c.unicode() < 0x20 || c.unicode() == 0x7F ? Paths::escaped(c) : QString(c);
-    return line;
-}
-
 /// A name alone, as in paths.
 QString nameText(const QString& name)
 {
@@ -86,12 +77,6 @@ QString nameText(const QString& name)
 }
 
 // Values
-
-QByteArray compactJson(const QJsonValue& value)
-{
-    const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return json.mid(1, json.size() - 2);
-}
 
 /// What tells a value from others of its type; null if the type cannot be written.
 QByteArray bytesOf(const QVariant& value)
@@ -155,12 +140,12 @@ QString plainText(const QVariant& value)
     case QMetaType::QStringList:
     case QMetaType::QVariantList:
     case QMetaType::QVariantMap:
-        return QString::fromUtf8(compactJson(QJsonValue::fromVariant(value)));
+        return compactJson(QJsonValue::fromVariant(value));
     default:
         break;
     }
     if (value.canConvert(QMetaType::QString) && value.userType() != QMetaType::QByteArray)
-        return QString::fromUtf8(compactJson(value.toString()));
+        return compactJson(value.toString());
     const int numShown = 64;
     const QByteArray bytes =
         value.userType() == QMetaType::QByteArray ? value.toByteArray() : bytesOf(value);
@@ -175,8 +160,7 @@ QString valueText(const QVariant& value)
         return QLatin1String("invalid");
     if (isForeign(value)) {
         const auto foreign = value.value<ForeignValue>();
-        return oneLine(foreign.type) + QLatin1Char(' ')
-            + QString::fromUtf8(compactJson(foreign.value));
+        return oneLine(foreign.type) + QLatin1Char(' ') + compactJson(foreign.value);
     }
     switch (value.userType()) {
     case QMetaType::Bool:

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "JsonText.h"
+#include "Document/JsonText.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>

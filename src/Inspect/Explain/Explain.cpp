@@ -3,10 +3,10 @@
 
 #include <Kestrin/Orv/Inspect/Explain.h>
 
-#include "LookUp.h"
-#include "Values.h"
+#include "Model/LookUp.h"
+#include "Model/ValueText.h"
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/ForeignValue.h>
 
 #include <QtCore/QHash>
 #include <QtCore/QJsonArray>
@@ -443,13 +443,6 @@ namespace {
 QString latin1(const char* text)
 {
     return QString(QLatin1String(text));
-}
-
-QString compactJson(const QJsonValue& value)
-{
-    const QString array =
-        QString::fromUtf8(QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact));
-    return array.mid(1, array.size() - 2);
 }
 
 /// A value on one line, with its type if that is not plain to see.

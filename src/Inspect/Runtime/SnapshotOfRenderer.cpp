@@ -3,12 +3,11 @@
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 
-#include "LookUp.h"
-#include "PassCast.h"
+#include "Runtime/PassCast.h"
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
-#include <Kestrin/Orv/Inspect/Trace.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/RenderPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
@@ -67,13 +66,6 @@ void readPass(const RenderPass& pass, const Snapshot::TypeOf& typeOf, NodeRecord
 
 } // namespace
 
-Snapshot::Snapshot()
-{
-    NodeRecord root;
-    root.removed = false;
-    nodes.append(root);
-}
-
 Snapshot Snapshot::of(Renderer& renderer, const TypeOf& typeOf)
 {
     Snapshot snapshot;
@@ -115,98 +107,6 @@ Snapshot Snapshot::of(Renderer& renderer, const TypeOf& typeOf)
     snapshot.numOutputs = renderer.numOutputs();
     snapshot.target = renderer.getTarget();
     return snapshot;
-}
-
-const NodeRecord& Snapshot::node(int ref) const
-{
-    return lookUp(nodes, ref);
-}
-
-const EdgeRecord& Snapshot::edge(int ref) const
-{
-    return lookUp(edges, ref);
-}
-
-const PortRecord& Snapshot::input(int ref, int index) const
-{
-    return lookUp(node(ref).inputs, index);
-}
-
-const PortRecord& Snapshot::output(int ref, int index) const
-{
-    return lookUp(node(ref).outputs, index);
-}
-
-EdgeKind Snapshot::kindOf(int ref) const
-{
-    const EdgeRecord& record = edge(ref);
-    if (record.removed)
-        return EdgeKind::None;
-    const int srcParent = node(record.srcNode).parent;
-    const int dstParent = node(record.dstNode).parent;
-    if (srcParent == dstParent)
-        return EdgeKind::Regular;
-    if (record.srcNode == dstParent)
-        return EdgeKind::Down;
-    if (srcParent == record.dstNode)
-        return EdgeKind::Up;
-    return EdgeKind::None;
-}
-
-bool Snapshot::isLivePass(int ref) const
-{
-    const NodeRecord& record = node(ref);
-    return record.pass && record.enabled;
-}
-
-// As in the graph, no walk takes more steps than there are nodes: a hierarchy that a compaction has
-// left out of step may form a cycle.
-
-bool Snapshot::walkUp(int& ref, int& port) const
-{
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const EdgeRecord& source = edge(input(ref, port).source);
-        if (source.removed || source.srcNode != node(ref).parent)
-            break;
-        ref = source.srcNode;
-        port = source.srcIndex;
-        moved = true;
-    }
-    return moved;
-}
-
-bool Snapshot::walkAcross(int& ref, int& port) const
-{
-    const EdgeRecord& source = edge(input(ref, port).source);
-    if (source.removed || node(source.srcNode).parent != node(ref).parent)
-        return false;
-    ref = source.srcNode;
-    port = source.srcIndex;
-    return true;
-}
-
-bool Snapshot::walkDown(int& ref, int& port) const
-{
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const EdgeRecord& source = edge(output(ref, port).source);
-        if (source.removed || node(source.srcNode).parent != ref)
-            break;
-        ref = source.srcNode;
-        port = source.srcIndex;
-        moved = true;
-    }
-    return moved;
-}
-
-bool Snapshot::walkToSourceNode(int& ref, int& port) const
-{
-    walkUp(ref, port);
-    if (!walkAcross(ref, port))
-        return false;
-    walkDown(ref, port);
-    return true;
 }
 
 } // namespace Inspect

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "Layout.h"
+#include "Document/CanonicalSnapshot.h"
 
-#include "EdgeCheck.h"
-#include "LookUp.h"
+#include "Model/LookUp.h"
+#include "Rules/EdgeCheck.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 
@@ -16,25 +16,25 @@ namespace Inspect {
 
 namespace {
 
-class LayingOut
+class Canonicalizer
 {
 public:
-    LayingOut(const Snapshot& from, Layout& to)
+    Canonicalizer(const Snapshot& from, CanonicalSnapshot& to)
         : original(from)
         , paths(from)
-        , layout(to)
+        , canonical(to)
         , refs(from.nodes.size(), kNotYet)
     {
     }
 
     void run()
     {
-        layOutRoot();
-        layOutNodes();
+        addRoot();
+        addNodes();
         checkChildren();
-        layOutValues();
-        layOutEdges();
-        layOutTarget();
+        numberPasses();
+        addEdges();
+        setTarget();
     }
 
 private:
@@ -43,7 +43,7 @@ private:
 
     void lose(const char* code, const QString& text, int node, int edge, bool gone = true)
     {
-        layout.losses.append({QLatin1String(code), text, node, edge, gone});
+        canonical.losses.append({QLatin1String(code), text, node, edge, gone});
     }
     /// Of a node of the snapshot.
     QString nameOf(int node) const
@@ -52,21 +52,19 @@ private:
     }
     QString edgeText(int edge) const
     {
-        const EdgeRecord& record = original.edge(edge);
-        const EdgeKind kind = original.kindOf(edge);
-        return paths.port(EdgeCheck::source(record, kind)) + QLatin1String(" -> ")
-            + paths.port(EdgeCheck::destination(record, kind));
+        return paths.port(original.sourceOf(edge)) + QLatin1String(" -> ")
+            + paths.port(original.destinationOf(edge));
     }
 
-    void layOutRoot();
-    void layOutNodes();
+    void addRoot();
+    void addNodes();
     void addNode(int node);
     void checkChildren();
-    void layOutValues();
-    void layOutEdges();
-    void layOutTarget();
+    void numberPasses();
+    void addEdges();
+    void setTarget();
     QVector<int> edgeOrder() const;
-    bool tell(int edge, EdgeCheck::Verdict verdict);
+    bool report(int edge, EdgeCheck::Verdict verdict);
 
     static QVector<PortRecord> bare(QVector<PortRecord> ports, bool withDefaults)
     {
@@ -81,11 +79,11 @@ private:
 
     const Snapshot& original;
     const Paths paths;
-    Layout& layout;
-    QVector<int> refs; // by node of the original: its ref in the layout
+    CanonicalSnapshot& canonical;
+    QVector<int> refs; // by node of the original: its ref in the canonical
 };
 
-void LayingOut::layOutRoot()
+void Canonicalizer::addRoot()
 {
     NodeRecord root = original.node(0);
     if (root.removed)
@@ -102,30 +100,30 @@ void LayingOut::layOutRoot()
     root.inputs = bare(root.inputs, false);
     root.outputs = bare(root.outputs, false);
 
-    layout.snapshot.parameters = original.parameters;
-    layout.snapshot.parameters.resize(root.inputs.size());
+    canonical.snapshot.parameters = original.parameters;
+    canonical.snapshot.parameters.resize(root.inputs.size());
     if (original.parameters.size() != root.inputs.size())
         lose("parameter-mismatch",
              QLatin1String("the renderer has ") + QString::number(original.parameters.size())
                  + QLatin1String(" parameters, but its root has ")
                  + QString::number(root.inputs.size()) + QLatin1String(" inputs"),
              0, -1);
-    layout.snapshot.numOutputs = root.outputs.size();
+    canonical.snapshot.numOutputs = root.outputs.size();
     if (original.numOutputs != root.outputs.size())
         lose("output-mismatch",
              QLatin1String("the renderer has ") + QString::number(original.numOutputs)
                  + QLatin1String(" outputs, but its root has ")
                  + QString::number(root.outputs.size()) + QLatin1String(" of them"),
              0, -1);
-    layout.snapshot.nodes[0] = root;
-    layout.origins = {0};
+    canonical.snapshot.nodes[0] = root;
+    canonical.origins = {0};
     if (!refs.isEmpty())
         refs[0] = 0;
 }
 
-void LayingOut::layOutNodes()
+void Canonicalizer::addNodes()
 {
-    QVector<int> line; // a node and those above it that have not been laid out
+    QVector<int> line; // a node and those above it that have not been added
     for (int node = 1; node < original.nodes.size(); ++node) {
         line.clear();
         int above = node;
@@ -149,10 +147,10 @@ void LayingOut::layOutNodes()
     }
 }
 
-void LayingOut::addNode(int node)
+void Canonicalizer::addNode(int node)
 {
     NodeRecord record = original.nodes.at(node);
-    const int ref = layout.snapshot.nodes.size();
+    const int ref = canonical.snapshot.nodes.size();
     refs[node] = ref;
     record.parent = refs.at(record.parent);
     record.children.clear();
@@ -161,22 +159,22 @@ void LayingOut::addNode(int node)
     record.enabled = record.pass && record.enabled;
     if (!record.pass)
         record.type.clear();
-    layout.snapshot.nodes[record.parent].children.append(ref);
-    layout.snapshot.nodes.append(record);
-    layout.origins.append(node);
+    canonical.snapshot.nodes[record.parent].children.append(ref);
+    canonical.snapshot.nodes.append(record);
+    canonical.origins.append(node);
 }
 
 /// Whether each parent lists the children that a document makes it list.
-void LayingOut::checkChildren()
+void Canonicalizer::checkChildren()
 {
-    for (int ref = 0; ref < layout.snapshot.nodes.size(); ++ref) {
-        const int node = layout.origins.at(ref);
+    for (int ref = 0; ref < canonical.snapshot.nodes.size(); ++ref) {
+        const int node = canonical.origins.at(ref);
         QVector<int> listed;
         for (const int child : original.node(node).children) {
             if (!original.node(child).removed)
                 listed.append(lookUp(refs, child));
         }
-        const QVector<int>& children = layout.snapshot.nodes.at(ref).children;
+        const QVector<int>& children = canonical.snapshot.nodes.at(ref).children;
         if (listed == children)
             continue;
         const QSet<int> known(listed.cbegin(), listed.cend());
@@ -185,7 +183,7 @@ void LayingOut::checkChildren()
             if (known.contains(child))
                 continue;
             allListed = false;
-            const int origin = layout.origins.at(child);
+            const int origin = canonical.origins.at(child);
             lose("unlisted-node",
                  paths.node(origin) + QLatin1String(" is not listed by its parent"), origin, -1,
                  false);
@@ -198,16 +196,16 @@ void LayingOut::checkChildren()
 }
 
 /// Passes are numbered as they will be registered.
-void LayingOut::layOutValues()
+void Canonicalizer::numberPasses()
 {
     QSet<int> seen;
     int numPasses = 0;
-    for (int ref = 1; ref < layout.snapshot.nodes.size(); ++ref) {
-        NodeRecord& record = layout.snapshot.nodes[ref];
+    for (int ref = 1; ref < canonical.snapshot.nodes.size(); ++ref) {
+        NodeRecord& record = canonical.snapshot.nodes[ref];
         if (!record.pass)
             continue;
         if (record.value >= 0 && seen.contains(record.value)) {
-            const int node = layout.origins.at(ref);
+            const int node = canonical.origins.at(ref);
             lose("shared-pass",
                  nameOf(node) + QLatin1String(" has a pass that another node has as well"), node,
                  -1);
@@ -215,11 +213,11 @@ void LayingOut::layOutValues()
         seen.insert(record.value);
         record.value = numPasses++;
     }
-    for (int ref = 0; ref < layout.snapshot.nodes.size(); ++ref) {
-        NodeRecord& record = layout.snapshot.nodes[ref];
+    for (int ref = 0; ref < canonical.snapshot.nodes.size(); ++ref) {
+        NodeRecord& record = canonical.snapshot.nodes[ref];
         if (record.pass || record.value < 0 || record.value >= numPasses)
             continue;
-        const int node = layout.origins.at(ref);
+        const int node = canonical.origins.at(ref);
         lose("node-value",
              nameOf(node) + QLatin1String(" has the value ") + QString::number(record.value)
                  + QLatin1String(", which would name a pass"),
@@ -231,7 +229,7 @@ void LayingOut::layOutValues()
 /// The live edges in the order of their table; but where the oldest edge that leaves an output is
 /// an up edge that is older than one to a sibling, which a graph takes no more, that one comes
 /// first.
-QVector<int> LayingOut::edgeOrder() const
+QVector<int> Canonicalizer::edgeOrder() const
 {
     QHash<QPair<int, int>, int> siblings; // by output: the first edge to a sibling
     for (int edge = 0; edge < original.edges.size(); ++edge) {
@@ -259,7 +257,7 @@ QVector<int> LayingOut::edgeOrder() const
     return order;
 }
 
-bool LayingOut::tell(int edge, EdgeCheck::Verdict verdict)
+bool Canonicalizer::report(int edge, EdgeCheck::Verdict verdict)
 {
     const auto because = [&](const char* code, const char* reason) {
         lose(code, edgeText(edge) + QLatin1String(reason), -1, edge);
@@ -286,7 +284,7 @@ bool LayingOut::tell(int edge, EdgeCheck::Verdict verdict)
     return false;
 }
 
-void LayingOut::layOutEdges()
+void Canonicalizer::addEdges()
 {
     const QVector<int> order = edgeOrder();
     QVector<int> candidates;
@@ -295,29 +293,24 @@ void LayingOut::layOutEdges()
         EdgeRecord record = original.edges.at(edge);
         record.srcNode = record.srcNode >= 0 ? refs.value(record.srcNode, kNowhere) : kNowhere;
         record.dstNode = record.dstNode >= 0 ? refs.value(record.dstNode, kNowhere) : kNowhere;
-        const EdgeKind kind = original.kindOf(edge);
-        const PortRef to = EdgeCheck::destination(original.edges.at(edge), kind);
-        if (kind == EdgeKind::None) {
-            tell(edge, EdgeCheck::NotRelated);
+        if (original.kindOf(edge) == EdgeKind::None) {
+            report(edge, EdgeCheck::NotRelated);
         } else if (record.srcNode < 0 || record.dstNode < 0) {
-            continue; // what became of the node has been told
-        } else if (edge
-                   != (to.isOutput ? original.output(to.node, to.index)
-                                   : original.input(to.node, to.index))
-                          .source) {
-            tell(edge, EdgeCheck::NoSuchPort);
+            continue; // the loss of the node has been reported
+        } else if (original.port(original.destinationOf(edge)).source != edge) {
+            report(edge, EdgeCheck::NoSuchPort);
         } else {
             candidates.append(edge);
             records.append(record);
         }
     }
 
-    EdgeCheck check(layout.snapshot, records);
+    EdgeCheck check(canonical.snapshot, records);
     QVector<int> refused;
     const auto add = [&](int i) {
         const EdgeCheck::Verdict verdict = check.add(records.at(i));
         if (verdict == EdgeCheck::Accepted)
-            layout.edgeOrigins.append(candidates.at(i));
+            canonical.edgeOrigins.append(candidates.at(i));
         return verdict;
     };
     for (int i = 0; i < candidates.size(); ++i) {
@@ -326,13 +319,13 @@ void LayingOut::layOutEdges()
         if (verdict == EdgeCheck::Cycle)
             refused.append(i);
         else
-            tell(candidates.at(i), verdict);
+            report(candidates.at(i), verdict);
     }
     for (const int i : qAsConst(refused))
-        tell(candidates.at(i), add(i));
+        report(candidates.at(i), add(i));
 
     int last = -1;
-    for (const int edge : qAsConst(layout.edgeOrigins)) {
+    for (const int edge : qAsConst(canonical.edgeOrigins)) {
         if (edge < last)
             lose("edge-order", edgeText(edge) + QLatin1String(" is written at another place"), -1,
                  edge, false);
@@ -340,23 +333,23 @@ void LayingOut::layOutEdges()
     }
 }
 
-void LayingOut::layOutTarget()
+void Canonicalizer::setTarget()
 {
     const int target = original.target;
     if (target == -1)
         return;
-    layout.snapshot.target = target >= 0 ? refs.value(target, -1) : -1;
-    if (layout.snapshot.target < 0) {
-        layout.snapshot.target = -1;
+    canonical.snapshot.target = target >= 0 ? refs.value(target, -1) : -1;
+    if (canonical.snapshot.target < 0) {
+        canonical.snapshot.target = -1;
         lose("target-gone", QLatin1String("the target is no node any more"), -1, -1);
     }
 }
 
 } // namespace
 
-Layout::Layout(const Snapshot& original)
+CanonicalSnapshot::CanonicalSnapshot(const Snapshot& original)
 {
-    LayingOut(original, *this).run();
+    Canonicalizer(original, *this).run();
 }
 
 } // namespace Inspect

@@ -3,9 +3,9 @@
 
 #include <Kestrin/Orv/Inspect/Report.h>
 
-#include "LookUp.h"
-#include "Markup.h"
-#include "ReportStyle.h"
+#include "Model/LookUp.h"
+#include "Picture/Markup.h"
+#include "Report/ReportStyle.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Picture.h>

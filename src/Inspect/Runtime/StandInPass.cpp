@@ -3,7 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 
-#include "Values.h"
+#include "Document/DocumentValues.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QThread>

@@ -3,11 +3,12 @@
 
 #include <Kestrin/Orv/Inspect/Trace.h>
 
-#include "PassCast.h"
-#include "Recording.h"
+#include "Runtime/PassCast.h"
+#include "Runtime/Recording.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
+#include <Kestrin/Orv/Inspect/TracedPass.h>
 #include <Kestrin/Orv/Renderer.h>
 
 #include <QtCore/QIODevice>

@@ -3,9 +3,9 @@
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 
-#include "LookUp.h"
-#include "Markup.h"
-#include "Values.h"
+#include "Model/LookUp.h"
+#include "Model/ValueText.h"
+#include "Picture/Markup.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Schedule.h>

@@ -1,8 +1,10 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "PassCast.h"
-#include "Recording.h"
+#include <Kestrin/Orv/Inspect/TracedPass.h>
+
+#include "Runtime/PassCast.h"
+#include "Runtime/Recording.h"
 
 #include <Kestrin/Orv/RenderPassHelper.h>
 

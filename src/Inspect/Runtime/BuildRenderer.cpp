@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include <Kestrin/Orv/Inspect/Document.h>
+#include <Kestrin/Orv/Inspect/BuildRenderer.h>
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/StandInPass.h>
 
-#include "EdgeCheck.h"
-#include "Layout.h"
-#include "LookUp.h"
+#include "Document/CanonicalSnapshot.h"
+#include "Model/LookUp.h"
+#include "Rules/EdgeCheck.h"
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Renderer.h>
@@ -36,7 +36,7 @@ PassFactory PassFactory::standIns()
 {
     PassFactory factory;
     factory.setFallback(
-        [](const NodeRecord& node) -> RenderPass* { return new StandInPass(node); });
+        [](const PassRequest& request) -> RenderPass* { return new StandInPass(request.node); });
     return factory;
 }
 
@@ -86,8 +86,8 @@ class Building
 {
 public:
     Building(const Snapshot& shown, const PassFactory& passFactory, const Places& documentPlaces)
-        : layout(shown)
-        , snapshot(layout.snapshot)
+        : canonical(shown)
+        , snapshot(canonical.snapshot)
         , paths(snapshot)
         , factory(passFactory)
         , places(documentPlaces)
@@ -97,7 +97,7 @@ public:
 
     QVector<Problem> run(Renderer& renderer)
     {
-        for (const Layout::Loss& loss : qAsConst(layout.losses)) {
+        for (const CanonicalSnapshot::Loss& loss : qAsConst(canonical.losses)) {
             if (loss.gone)
                 report(loss.code, loss.text,
                        loss.node >= 0 ? lookUp(places.nodes, loss.node)
@@ -122,7 +122,7 @@ private:
     static void addPorts(Graph& graph, int node, const NodeRecord& record);
     static bool hasGroups(const QVector<PortRecord>& ports);
 
-    const Layout layout;
+    const CanonicalSnapshot canonical;
     const Snapshot& snapshot;
     const Paths paths;
     const PassFactory& factory;
@@ -139,7 +139,7 @@ void Building::makePasses()
         const NodeRecord& node = snapshot.nodes.at(ref);
         if (!node.pass || unknownTypes.contains(node.type))
             continue;
-        const Place place = lookUp(places.nodes, layout.origins.at(ref));
+        const Place place = lookUp(places.nodes, canonical.origins.at(ref));
         const PassFactory::Maker maker = factory.maker(node.type);
         if (!maker) {
             unknownTypes.insert(node.type);
@@ -149,7 +149,7 @@ void Building::makePasses()
                    place);
             continue;
         }
-        RenderPass* const pass = maker(node);
+        RenderPass* const pass = maker({node, ref, paths.node(ref)});
         if (!pass) {
             report(QLatin1String("no-pass"),
                    paths.node(ref) + QLatin1String(": no pass of type \"")
@@ -191,7 +191,7 @@ void Building::build(Renderer& renderer)
     Graph& graph = *renderer.getGraph();
     for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
         const NodeRecord& record = snapshot.nodes.at(ref);
-        // A fresh graph numbers its nodes as the layout does.
+        // A fresh graph numbers its nodes as the canonical does.
         if (ref == 0) {
             graph.setNodeName(0, record.name);
             graph.setNodeValue(0, record.value);
