@@ -4,7 +4,7 @@
 #include <Kestrin/Orv/Inspect/Report.h>
 
 #include "ReportSample.h"
-#include "ReportStyle.h"
+#include "Report/ReportStyle.h"
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 

@@ -4,34 +4,13 @@
 #ifndef KESTRIN_ORV_INSPECT_PORTNUMBERS_H
 #define KESTRIN_ORV_INSPECT_PORTNUMBERS_H
 
-#include <Kestrin/Orv/Inspect/Snapshot.h>
+#include "Model/Table.h"
 
-#include <cstddef>
-#include <vector>
+#include <Kestrin/Orv/Inspect/Snapshot.h>
 
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
-
-/// A list that is filled in the order of node refs, edge refs or port numbers.
-template<typename T>
-using Table = std::vector<T>;
-
-template<typename T>
-T& at(Table<T>& table, int index)
-{
-    return table[static_cast<std::size_t>(index)];
-}
-template<typename T>
-const T& at(const Table<T>& table, int index)
-{
-    return table[static_cast<std::size_t>(index)];
-}
-template<typename T>
-Table<T> tableOf(int size, const T& value)
-{
-    return Table<T>(static_cast<std::size_t>(size), value);
-}
 
 /// Numbers all ports of a snapshot from 0, so that a plain list can say something of each.
 class PortNumbers
@@ -50,7 +29,11 @@ public:
 
     int size() const { return count; }
 
-    /// -1 for a port that does not exist.
+    /// The number of a port; -1 for one that does not exist.
+    int of(const PortRef& port) const
+    {
+        return port.isOutput ? output(port.node, port.index) : input(port.node, port.index);
+    }
     int input(int node, int index) const
     {
         const NodeRecord& record = snapshot.node(node);
@@ -65,10 +48,10 @@ public:
     }
 
 private:
-    int first(int node) const { return firsts[static_cast<std::size_t>(node)]; }
+    int first(int node) const { return at(firsts, node); }
 
     const Snapshot& snapshot;
-    std::vector<int> firsts; // by node
+    Table<int> firsts; // by node
     int count = 0;
 };
 

@@ -4,122 +4,16 @@
 #include "Rules/EdgeCheck.h"
 
 #include "Model/LookUp.h"
+#include "Rules/StronglyConnected.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
 namespace {
-
-/// Arcs between vertices, grouped by the vertex that they leave.
-class Arcs
-{
-public:
-    explicit Arcs(int numVertices)
-        : first(static_cast<std::size_t>(numVertices) + 1)
-    {
-    }
-    void add(int from, int to) { arcs.push_back({from, to}); }
-    /// After the last add().
-    void sort()
-    {
-        for (const Arc& arc : arcs)
-            ++first[index(arc.from)];
-        int sum = 0;
-        for (int& entry : first) {
-            sum += entry;
-            entry = sum;
-        }
-        targets.resize(arcs.size());
-        for (const Arc& arc : arcs)
-            targets[index(--first[index(arc.from)])] = arc.to;
-    }
-    int begin(int vertex) const { return first[index(vertex)]; }
-    int end(int vertex) const { return first[index(vertex + 1)]; }
-    int target(int position) const { return targets[index(position)]; }
-
-private:
-    struct Arc
-    {
-        int from;
-        int to;
-    };
-    static std::size_t index(int i) { return static_cast<std::size_t>(i); }
-
-    std::vector<Arc> arcs;
-    std::vector<int> first;
-    std::vector<int> targets;
-};
-
-/// By vertex: the number of its strongly connected component; -1 where it is alone in it. Tarjan's
-/// algorithm, with the path on a list of its own. Also tells in which order it has left the
-/// vertices.
-std::vector<int> componentsOf(const Arcs& arcs, int numVertices, std::vector<int>& finished)
-{
-    const auto at = [](auto& list, int i) -> auto&
-    {
-        return list[static_cast<std::size_t>(i)];
-    };
-    struct Step
-    {
-        int vertex;
-        int next; // the arc to follow next
-    };
-    const auto size = static_cast<std::size_t>(numVertices);
-    std::vector<int> found(size, -1);  // the order in which vertices are reached
-    std::vector<int> lowest(size, -1); // the first found that is reached from it and still pending
-    std::vector<int> cycles(size, -1);
-    std::vector<bool> pending(size, false);
-    std::vector<int> stack;
-    std::vector<Step> path;
-    int numFound = 0;
-    int numFinished = 0;
-    int numCycles = 0;
-    finished.assign(size, -1);
-
-    const auto enter = [&](int vertex) {
-        at(found, vertex) = at(lowest, vertex) = numFound++;
-        stack.push_back(vertex);
-        pending[static_cast<std::size_t>(vertex)] = true;
-        path.push_back({vertex, arcs.begin(vertex)});
-    };
-    for (int start = 0; start < numVertices; ++start) {
-        if (at(found, start) < 0)
-            enter(start);
-        while (!path.empty()) {
-            const int vertex = path.back().vertex;
-            if (path.back().next < arcs.end(vertex)) {
-                const int next = arcs.target(path.back().next++);
-                if (at(found, next) < 0)
-                    enter(next);
-                else if (pending[static_cast<std::size_t>(next)])
-                    at(lowest, vertex) = std::min(at(lowest, vertex), at(found, next));
-                continue;
-            }
-            path.pop_back();
-            at(finished, vertex) = numFinished++;
-            if (!path.empty()) {
-                int& above = at(lowest, path.back().vertex);
-                above = std::min(above, at(lowest, vertex));
-            }
-            if (at(lowest, vertex) != at(found, vertex))
-                continue;
-            const bool alone = stack.back() == vertex;
-            int member = -1;
-            do {
-                member = stack.back();
-                stack.pop_back();
-                pending[static_cast<std::size_t>(member)] = false;
-                if (!alone)
-                    at(cycles, member) = numCycles;
-            } while (member != vertex);
-            numCycles += !alone;
-        }
-    }
-    return cycles;
-}
 
 // Each node has two vertices.
 int inputsOf(int node)
@@ -183,7 +77,9 @@ std::vector<int> EdgeCheck::cyclesOf(const Snapshot& target, const QVector<EdgeR
         arcs.add(arc.from, arc.to);
     }
     arcs.sort();
-    return componentsOf(arcs, 2 * numNodes, finished);
+    StronglyConnected found(arcs);
+    finished = std::move(found.finished);
+    return std::move(found.components);
 }
 
 /// Whether an arc closes a cycle with those before it, as far as that is known. If not, it is
@@ -242,12 +138,9 @@ QVector<PortRef> EdgeCheck::cycle() const
         PortRef port{node, hop.input, false};
         QVector<PortRef> against{port};
         while (port.node != hop.node || !port.isOutput) {
-            const PortRecord& record = port.isOutput ? snapshot.output(port.node, port.index)
-                                                     : snapshot.input(port.node, port.index);
-            const EdgeRecord& edge = snapshot.edge(record.source);
-            if (edge.removed)
+            port = snapshot.feeder(port);
+            if (port.node < 0)
                 break;
-            port = Snapshot::sourceOf(edge, snapshot.kindBetween(edge.srcNode, edge.dstNode));
             against.append(port);
         }
         // Down to what produces the value; a group on the way is left by its inside.

@@ -5,7 +5,6 @@
 #define KESTRIN_ORV_INSPECT_SCHEDULE_H
 
 #include <Kestrin/Orv/Inspect/Export.h>
-#include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 
 namespace Kestrin {
@@ -26,8 +25,7 @@ struct Schedule
     QVector<QVector<int>> users;
 };
 
-/// Predicts the execution order and the user counts. Linear in the nodes and edges upstream of the
-/// outputs and the target, times the depth of the groups crossed.
+/// Predicts the execution order and the user counts. Linear in what the snapshot holds.
 ORV_INSPECT_EXPORT Schedule predictSchedule(const Snapshot& snapshot);
 
 } // namespace Inspect
