@@ -8,8 +8,8 @@
 #undef QStringLiteral
 #define QStringLiteral(text) QString::fromUtf16(u"" text)
 
-#include "Inspect/Host.h"
-#include "Inspect/ReportSample.h"
+#include "Inspect/support/Host.h"
+#include "Inspect/support/SampleRun.h"
 #include "support/WildRenderer.h"
 
 #include <Kestrin/Orv/Inspect/BuildRenderer.h>
@@ -374,7 +374,7 @@ extern "C" Q_DECL_EXPORT bool takeStrings(Strings& strings, const char* director
 
     QStringList files;
     for (const char* folder :
-         {"/tests/Inspect/documents", "/tests/orv/documents", "/fuzz/corpus"}) {
+         {"/tests/Inspect/Document/documents", "/tests/orv/documents", "/fuzz/corpus"}) {
         QDirIterator all(QString::fromUtf8(directory) + QString::fromUtf8(folder), QDir::Files,
                          QDirIterator::Subdirectories);
         while (all.hasNext())

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "DocumentSupport.h"
+#include "Inspect/support/DocumentSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -475,7 +475,7 @@ TEST(Document, TakesCyclesThatAGraphTakes)
 
 TEST(Document, OfEveryFileIsTheSameAfterReadingBuildingAndWriting)
 {
-    const QDir directory(QString::fromUtf8(ORV_TEST_DOCUMENTS));
+    const QDir directory(QString::fromUtf8(ORV_SOURCE_DIR "/tests/Inspect/Document/documents"));
     const QFileInfoList files = directory.entryInfoList({QStringLiteral("*.json")});
     EXPECT_FALSE(files.isEmpty());
     for (const QFileInfo& info : files) {
@@ -493,7 +493,8 @@ TEST(Document, OfEveryFileIsTheSameAfterReadingBuildingAndWriting)
 
 TEST(Document, IsRefusedWhereItsSchemaRefusesIt)
 {
-    const QDir directory(QString::fromUtf8(ORV_TEST_DOCUMENTS) + QStringLiteral("/invalid"));
+    const QDir directory(QString::fromUtf8(ORV_SOURCE_DIR "/tests/Inspect/Document/documents")
+                         + QStringLiteral("/invalid"));
     const QFileInfoList files = directory.entryInfoList({QStringLiteral("*.json")});
     EXPECT_FALSE(files.isEmpty());
     for (const QFileInfo& info : files) {

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef ORV_TESTS_PICTURESAMPLE_H
-#define ORV_TESTS_PICTURESAMPLE_H
+#ifndef ORV_TESTS_SAMPLERENDERER_H
+#define ORV_TESTS_SAMPLERENDERER_H
 
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 

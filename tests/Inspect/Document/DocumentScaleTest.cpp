@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#include "DocumentSupport.h"
+#include "Inspect/support/DocumentSupport.h"
 #include "support/Growth.h"
 #include "support/SmallStack.h"
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "RandomRenderer.h"
+#include "Inspect/support/RandomRenderer.h"
 
 using namespace Kestrin::Orv;
 using namespace Kestrin::Orv::Inspect;

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef TESTS_INSPECT_HOST_H
-#define TESTS_INSPECT_HOST_H
+#ifndef ORV_TESTS_HOST_H
+#define ORV_TESTS_HOST_H
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>

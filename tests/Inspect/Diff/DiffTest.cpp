@@ -3,8 +3,8 @@
 
 #include <Kestrin/Orv/Inspect/Diff.h>
 
-#include "Host.h"
-#include "LargeGraphs.h"
+#include "Inspect/support/Host.h"
+#include "Inspect/support/LargeGraphs.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 
-#include "PictureSample.h"
-#include "RandomRenderer.h"
+#include "Inspect/support/RandomRenderer.h"
+#include "Inspect/support/SampleRenderer.h"
 
 #include "support/Growth.h"
 
@@ -141,7 +141,7 @@ TEST(Picture, OfOnePassIsThisText)
 
 TEST(Picture, OfTheSampleIsThatOfTheDocuments)
 {
-    QFile file(QStringLiteral(ORV_DOCS_IMAGES "/picture.dot"));
+    QFile file(QStringLiteral(ORV_SOURCE_DIR "/docs/images/picture.dot"));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
     const SampleRenderer sample;
     EXPECT_EQ(text(file.readAll()),

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "LargeGraphs.h"
-#include "RandomRenderer.h"
+#include "Inspect/support/LargeGraphs.h"
+#include "Inspect/support/RandomRenderer.h"
 #include "support/RecordingPass.h"
 
 using namespace Kestrin::Orv::Inspect;

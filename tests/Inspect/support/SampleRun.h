@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef ORV_TESTS_REPORTSAMPLE_H
-#define ORV_TESTS_REPORTSAMPLE_H
+#ifndef ORV_TESTS_SAMPLERUN_H
+#define ORV_TESTS_SAMPLERUN_H
 
-#include "PictureSample.h"
+#include "Inspect/support/SampleRenderer.h"
 
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Inspect/Trace.h>

@@ -4,7 +4,7 @@
 // Writes reports for a browser to look at: usual.html, text.html (without a picture) and
 // hostile.html, whose names and picture try everything to be more than text.
 
-#include "ReportSample.h"
+#include "Inspect/support/SampleRun.h"
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 #include <Kestrin/Orv/Inspect/Report.h>

@@ -3,7 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Report.h>
 
-#include "ReportSample.h"
+#include "Inspect/support/SampleRun.h"
 #include "Report/ReportStyle.h"
 
 #include <Kestrin/Orv/Inspect/Picture.h>

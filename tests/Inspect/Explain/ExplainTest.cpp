@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "LargeGraphs.h"
-#include "RandomRenderer.h"
+#include "Inspect/support/LargeGraphs.h"
+#include "Inspect/support/RandomRenderer.h"
 #include "support/LightPass.h"
 
 #include <QtCore/QJsonArray>
