@@ -54,6 +54,23 @@ QString numberText(const QVariant& value)
     return QVariant(number).toString();
 }
 
+QString scalarText(const QVariant& value)
+{
+    switch (value.userType()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+        return value.toString();
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return numberText(value);
+    default:
+        return QString();
+    }
+}
+
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin

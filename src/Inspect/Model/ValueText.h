@@ -24,6 +24,9 @@ double shortestNumber(float number);
 /// A float or double in few digits: 0.9F is "0.9". Not-a-number is "nan".
 QString numberText(const QVariant& value);
 
+/// A bool or a number; empty for a value of any other type.
+QString scalarText(const QVariant& value);
+
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin
