@@ -147,7 +147,7 @@ A group, and the renderer itself, whose path is empty:
   $ orv explain scene.json Bloom
   Bloom is a group: there is nothing to run.
   $ orv explain scene.json ''
-  The renderer is no pass: there is nothing to run.
+  The renderer is not a pass: there is nothing to run.
 
 The value of an input:
 
@@ -165,7 +165,7 @@ The value of an input:
     input Shadow.angle
     parameter Angle
   $ orv explain scene.json Tone.grain
-  Tone.grain takes its default (0), as Grain, which feeds it, is disabled:
+  Tone.grain takes its default (0), because Grain, which feeds it, is disabled:
     input Tone.grain
     output Grain.noise
   $ orv explain --json scene.json Tone.grain
@@ -294,10 +294,10 @@ An edge that is taken, and edges that are refused:
   $ orv explain unwired.json Angle GBuffer.detail
   An edge from the parameter Angle to the input GBuffer.detail is accepted.
   $ orv explain scene.json GBuffer.color Overlay.depth
-  An edge from the output GBuffer.color to the input Overlay.depth is refused: Overlay.depth is fed by the output GBuffer.depth already.
+  An edge from the output GBuffer.color to the input Overlay.depth is refused: Overlay.depth is already fed by the output GBuffer.depth.
   ? 1
   $ orv explain scene.json Tone.image Shadow.angle
-  An edge from the output Tone.image to the input Shadow.angle is refused: Shadow.angle is fed by the parameter Angle already.
+  An edge from the output Tone.image to the input Shadow.angle is refused: Shadow.angle is already fed by the parameter Angle.
   ? 1
   $ orv explain unwired.json Tone.image GBuffer.detail
   An edge from the output Tone.image to the input GBuffer.detail is refused: the oldest edge of Tone.image leads to the output Picture, not to a sibling.
@@ -340,7 +340,7 @@ An edge that is taken, and edges that are refused:
   }
   ? 1
   $ orv explain unwired.json GBuffer.color Bloom/Blur.source
-  An edge from the output GBuffer.color to the input Bloom/Blur.source is accepted but does not carry that output: the nodes are no siblings.
+  An edge from the output GBuffer.color to the input Bloom/Blur.source is accepted but does not carry that output: the nodes are not siblings.
   ? 1
 
 The ports are meant that go with each other where an input and an output share a path:

@@ -109,7 +109,7 @@ QString Wording::cause(const InputExplanation& explanation) const
             + (explanation.end == explanation.input ? latin1("it")
                                                     : latin1("the ") + nameOf(explanation.end));
     case InputExplanation::NoPassBehind:
-        return latin1("no pass is behind the ") + nameOf(explanation.end);
+        return latin1("no pass feeds the ") + nameOf(explanation.end);
     case InputExplanation::UpstreamDisabled:
         return nameOf(explanation.end.node) + latin1(", which feeds it, is disabled");
     case InputExplanation::NotAPass:
@@ -136,8 +136,8 @@ QString Wording::verdict(const EdgeExplanation& explanation) const
             + latin1(" does not exist.\n");
     }
     case EdgeExplanation::AlreadyFed:
-        return refused + paths.port(explanation.to) + latin1(" is fed by the ")
-            + nameOf(snapshot.sourceOf(explanation.fedBy)) + latin1(" already.\n");
+        return refused + paths.port(explanation.to) + latin1(" is already fed by the ")
+            + nameOf(snapshot.sourceOf(explanation.fedBy)) + latin1(".\n");
     case EdgeExplanation::LeavesGroup:
         return refused + latin1("the oldest edge of ") + paths.port(explanation.from)
             + latin1(" leads to the ") + nameOf(snapshot.destinationOf(explanation.oldest))
@@ -147,7 +147,7 @@ QString Wording::verdict(const EdgeExplanation& explanation) const
     case EdgeExplanation::NotRelated:
         if (explanation.made)
             return latin1(
-                " is accepted but does not carry that output: the nodes are no siblings.\n");
+                " is accepted but does not carry that output: the nodes are not siblings.\n");
         if (!explanation.to.isOutput)
             return refused + latin1("an input feeds another only from a group to its child.\n");
         if (explanation.from.isOutput)
@@ -191,7 +191,7 @@ QString Explainer::toText(const NodeExplanation& explanation) const
     }
     case NodeExplanation::Group:
         return name
-            + latin1(isRoot                                                ? " is no pass"
+            + latin1(isRoot                                                ? " is not a pass"
                          : impl->snapshot.node(explanation.node).value < 0 ? " is a group"
                                                                            : " has no pass")
             + latin1(": there is nothing to run.\n");
@@ -228,7 +228,7 @@ QString Explainer::toText(const InputExplanation& explanation) const
         return takes
             + (isPass ? latin1("its default (") + valueText(explanation.value) + latin1(")")
                       : latin1("nothing"))
-            + latin1(", as ") + words.cause(explanation) + way;
+            + latin1(", because ") + words.cause(explanation) + way;
     case InputExplanation::NoSuchInput:
         break;
     }

@@ -351,7 +351,7 @@ TEST(ExplainNode, GroupsAndPassesThatAreNullHaveNothingToRun)
     const int null = f.renderer.addPass(QStringLiteral("Null"), nullptr, 0);
     EXPECT_EQ(f.node(f.bloom), "Bloom is a group: there is nothing to run.\n");
     EXPECT_EQ(f.node(null), "Null has no pass: there is nothing to run.\n");
-    EXPECT_EQ(f.node(0), "The renderer is no pass: there is nothing to run.\n");
+    EXPECT_EQ(f.node(0), "The renderer is not a pass: there is nothing to run.\n");
 }
 
 TEST(ExplainNode, WhatHasBeenRemovedOrNeverWasIsToldSo)
@@ -370,7 +370,8 @@ TEST(ExplainNode, NamesAreTakenAsTheyAre)
     s.renderer.setTarget(node);
     s.renderer.setParameter(0, 1);
     EXPECT_EQ(s.node(node), "50%251 %252 runs as 1 of 1: it is the target.\n");
-    EXPECT_EQ(s.input(node, 0), "50%251 %252.%253 takes its default (0.5), as nothing feeds it.\n");
+    EXPECT_EQ(s.input(node, 0),
+              "50%251 %252.%253 takes its default (0.5), because nothing feeds it.\n");
 }
 
 // Inputs
@@ -441,10 +442,11 @@ TEST(ExplainInput, OfAPassThatDoesNotRunIsToldWhatItWouldTake)
 TEST(ExplainInput, AnUnfedInputTakesItsDefault)
 {
     Frame f;
-    EXPECT_EQ(f.input(f.shadow, 1), "Shadow.Bias takes its default (0.5), as nothing feeds it.\n");
+    EXPECT_EQ(f.input(f.shadow, 1),
+              "Shadow.Bias takes its default (0.5), because nothing feeds it.\n");
     EXPECT_EQ(f.input(f.glow, 1), quoted(R"(
 //! [unfed]
-Bloom/Glow.Mask takes its default (0.5), as nothing feeds the input Bloom.Spare:
+Bloom/Glow.Mask takes its default (0.5), because nothing feeds the input Bloom.Spare:
   input Bloom/Glow.Mask
   input Bloom.Spare
 //! [unfed]
@@ -456,7 +458,7 @@ TEST(ExplainInput, TheOutputOfAGroupMayLeadNowhere)
     Frame f;
     EXPECT_EQ(f.input(f.toneMap, 1), quoted(R"(
 //! [no-pass-behind]
-ToneMap.Other takes its default (0.5), as no pass is behind the output Bloom.Spare:
+ToneMap.Other takes its default (0.5), because no pass feeds the output Bloom.Spare:
   input ToneMap.Other
   output Bloom.Spare
 //! [no-pass-behind]
@@ -469,7 +471,7 @@ TEST(ExplainInput, ADisabledPassUpstreamIsTold)
     f.renderer.setEnabled(f.glow, false);
     EXPECT_EQ(f.input(f.toneMap, 0), quoted(R"(
 //! [upstream-disabled]
-ToneMap.Color takes its default (0.5), as Bloom/Glow, which feeds it, is disabled:
+ToneMap.Color takes its default (0.5), because Bloom/Glow, which feeds it, is disabled:
   input ToneMap.Color
   output Bloom.Color
   output Bloom/Glow.Color
@@ -484,7 +486,7 @@ TEST(ExplainInput, APassThatIsNullUpstreamIsTold)
     const int output = f.graph.addOutput(null, QStringLiteral("Out"), -1);
     f.graph.addEdge(null, output, f.shadow, 1);
     EXPECT_EQ(f.input(f.shadow, 1),
-              "Shadow.Bias takes its default (0.5), as Null, which feeds it, has no pass:\n"
+              "Shadow.Bias takes its default (0.5), because Null, which feeds it, has no pass:\n"
               "  input Shadow.Bias\n"
               "  output Null.Out\n");
 }
@@ -496,7 +498,7 @@ TEST(ExplainInput, AGroupCarriesWhatItIsFed)
               "Bloom.Scene carries the output Shadow.Map:\n"
               "  input Bloom.Scene\n"
               "  output Shadow.Map\n");
-    EXPECT_EQ(f.input(f.bloom, 1), "Bloom.Spare carries nothing, as nothing feeds it.\n");
+    EXPECT_EQ(f.input(f.bloom, 1), "Bloom.Spare carries nothing, because nothing feeds it.\n");
 }
 
 TEST(ExplainInput, WhatDoesNotExistIsToldSo)
@@ -514,7 +516,7 @@ TEST(ExplainEdge, WhatTheGraphTakesIsAccepted)
     Frame f;
     EXPECT_EQ(f.edge({f.meter, 0, true}, {f.toneMap, 1, false}),
               "An edge from the output LightMeter.Exposure to the input ToneMap.Other is refused: "
-              "ToneMap.Other is fed by the output Bloom.Spare already.\n");
+              "ToneMap.Other is already fed by the output Bloom.Spare.\n");
     f.graph.disconnectInput(f.toneMap, 1);
     EXPECT_EQ(f.edge({f.meter, 0, true}, {f.toneMap, 1, false}),
               "An edge from the output LightMeter.Exposure to the input ToneMap.Other is "
@@ -534,12 +536,12 @@ TEST(ExplainEdge, AFedPortIsToldWhatFeedsIt)
     Frame f;
     EXPECT_EQ(f.edge({f.meter, 0, true}, {0, f.picture, true}), quoted(R"(
 //! [already-fed]
-An edge from the output LightMeter.Exposure to the output Picture is refused: Picture is fed by the output ToneMap.Color already.
+An edge from the output LightMeter.Exposure to the output Picture is refused: Picture is already fed by the output ToneMap.Color.
 //! [already-fed]
 )"));
     EXPECT_EQ(f.edge({f.bloom, 1, false}, {f.blur, 0, false}),
               "An edge from the input Bloom.Spare to the input Bloom/Blur.Color is refused: "
-              "Bloom/Blur.Color is fed by the input Bloom.Scene already.\n");
+              "Bloom/Blur.Color is already fed by the input Bloom.Scene.\n");
 }
 
 TEST(ExplainEdge, AnOutputThatLeavesItsGroupFeedsNoSibling)
@@ -587,7 +589,7 @@ TEST(ExplainEdge, AFedInputIsToldBeforeACycle)
     Frame f;
     EXPECT_EQ(f.edge({f.meter, 0, true}, {f.meter, 0, false}),
               "An edge from the output LightMeter.Exposure to the input LightMeter.Color is "
-              "refused: LightMeter.Color is fed by the output Bloom.Color already.\n");
+              "refused: LightMeter.Color is already fed by the output Bloom.Color.\n");
 }
 
 TEST(ExplainEdge, WhatTheGraphMakesBetweenOthersThanSiblingsGoesAstray)
@@ -596,7 +598,7 @@ TEST(ExplainEdge, WhatTheGraphMakesBetweenOthersThanSiblingsGoesAstray)
     const int other = f.pass("Other", "In", "");
     EXPECT_EQ(f.edge({f.blur, 0, true}, {other, 0, false}), quoted(R"(
 //! [not-related]
-An edge from the output Bloom/Blur.Color to the input Other.In is accepted but does not carry that output: the nodes are no siblings.
+An edge from the output Bloom/Blur.Color to the input Other.In is accepted but does not carry that output: the nodes are not siblings.
 //! [not-related]
 )"));
 }
@@ -607,12 +609,13 @@ TEST(ExplainEdge, AnEdgeFromAGroupsOutputIntoTheGroupCarriesAnother)
     f.graph.disconnectInput(f.glow, 1);
     EXPECT_EQ(f.edge({f.bloom, 0, true}, {f.glow, 1, false}),
               "An edge from the output Bloom.Color to the input Bloom/Glow.Mask is accepted but "
-              "does not carry that output: the nodes are no siblings.\n");
+              "does not carry that output: the nodes are not siblings.\n");
     ASSERT_GE(f.graph.addEdge(f.bloom, 1, f.glow, 1), 0);
-    EXPECT_EQ(f.input(f.glow, 1),
-              "Bloom/Glow.Mask takes its default (0.5), as nothing feeds the input Bloom.Spare:\n"
-              "  input Bloom/Glow.Mask\n"
-              "  input Bloom.Spare\n");
+    EXPECT_EQ(
+        f.input(f.glow, 1),
+        "Bloom/Glow.Mask takes its default (0.5), because nothing feeds the input Bloom.Spare:\n"
+        "  input Bloom/Glow.Mask\n"
+        "  input Bloom.Spare\n");
 }
 
 TEST(ExplainEdge, NoEdgeBypassesABoundary)
