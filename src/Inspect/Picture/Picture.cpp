@@ -6,6 +6,7 @@
 #include "Model/LookUp.h"
 #include "Model/ValueText.h"
 #include "Picture/Markup.h"
+#include "Picture/NodeTree.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Schedule.h>
@@ -80,112 +81,10 @@ QByteArray label(const QString& name, const QByteArray& ifEmpty)
 /// A value that is short enough to be shown beside a port; empty for any other.
 QByteArray shortValue(const QVariant& value)
 {
-    switch (value.userType()) {
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-        return " = " + value.toString().toUtf8();
-    case QMetaType::Float:
-    case QMetaType::Double:
-        return " = " + numberText(value).toUtf8();
-    case QMetaType::QString:
+    if (value.userType() == QMetaType::QString)
         return " = &quot;" + escapedLabel(value.toString(), kLongestValue) + "&quot;";
-    default:
-        return QByteArray();
-    }
-}
-
-/// The nodes as a tree: each that is not removed exactly once, whatever the snapshot holds.
-class Tree
-{
-public:
-    explicit Tree(const Snapshot& snapshot);
-
-    const QVector<int>& children(int node) const { return lookUp(below, node); }
-    bool isListed(int node) const { return lookUp(listed, node); }
-    /// The nodes that no way leads to from the root, one for each such tree or cycle.
-    const QVector<int>& strays() const { return unreachable; }
-
-private:
-    void add(const Snapshot& snapshot, int node);
-
-    QVector<QVector<int>> below;
-    QVector<bool> listed;
-    QVector<int> unreachable;
-};
-
-/// Walks a tree without recursion: it may be as deep as there are nodes.
-template<typename Enter, typename Leave>
-void walk(const Tree& tree, int from, int depth, QVector<bool>& visited, const Enter& enter,
-          const Leave& leave)
-{
-    struct Level
-    {
-        int node;
-        int next;
-    };
-    QVector<Level> stack{{from, 0}};
-    visited[from] = true;
-    enter(from, depth);
-    while (!stack.isEmpty()) {
-        Level& level = stack.last();
-        const QVector<int>& children = tree.children(level.node);
-        if (level.next == children.size()) {
-            leave(level.node, depth + stack.size() - 1);
-            stack.removeLast();
-            continue;
-        }
-        const int child = children.at(level.next++);
-        if (visited.at(child))
-            continue;
-        visited[child] = true;
-        enter(child, depth + stack.size());
-        stack.append({child, 0});
-    }
-}
-
-Tree::Tree(const Snapshot& snapshot)
-    : below(snapshot.nodes.size())
-    , listed(snapshot.nodes.size(), false)
-{
-    const int numNodes = snapshot.nodes.size();
-    for (int parent = 0; parent < numNodes; ++parent) {
-        const NodeRecord& record = snapshot.nodes.at(parent);
-        for (const int child : record.children) {
-            const NodeRecord& node = snapshot.node(child);
-            if (node.removed || node.parent != parent || child == 0 || listed.at(child))
-                continue;
-            listed[child] = true;
-            below[parent].append(child);
-        }
-    }
-    for (int ref = 1; ref < numNodes; ++ref) {
-        const NodeRecord& node = snapshot.nodes.at(ref);
-        if (!node.removed && !listed.at(ref) && node.parent >= 0 && node.parent < numNodes)
-            below[node.parent].append(ref);
-    }
-
-    QVector<bool> visited(numNodes, false);
-    const auto nothing = [](int, int) {};
-    if (numNodes > 0)
-        walk(*this, 0, 0, visited, nothing, nothing);
-    for (int ref = 1; ref < numNodes; ++ref) {
-        const NodeRecord& node = snapshot.nodes.at(ref);
-        // A tree below a removed node is met at its top, a cycle anywhere.
-        const NodeRecord& parent = snapshot.node(node.parent);
-        if (node.removed || visited.at(ref) || !parent.removed)
-            continue;
-        unreachable.append(ref);
-        walk(*this, ref, 0, visited, nothing, nothing);
-    }
-    for (int ref = 1; ref < numNodes; ++ref) {
-        if (snapshot.nodes.at(ref).removed || visited.at(ref))
-            continue;
-        unreachable.append(ref);
-        walk(*this, ref, 0, visited, nothing, nothing);
-    }
+    const QString text = scalarText(value);
+    return text.isEmpty() ? QByteArray() : " = " + text.toUtf8();
 }
 
 /// Whether a parameter or the output of a live pass reaches a port, found out once for each port on
@@ -298,7 +197,7 @@ private:
     void indent(int depth);
 
     const Snapshot& snapshot;
-    const Tree tree;
+    const NodeTree tree;
     const Schedule schedule;
     ValueFlow values;
     QVector<bool> hasFailed;
@@ -385,7 +284,7 @@ QByteArray Drawing::heading(int ref) const
 
 QByteArray Drawing::cell(int ref, int index, bool isOutput, const char* align)
 {
-    const PortRecord& port = isOutput ? snapshot.output(ref, index) : snapshot.input(ref, index);
+    const PortRecord& port = snapshot.port({ref, index, isOutput});
     QByteArray text = "<td port='" + QByteArray(isOutput ? "o" : "i") + number(index) + "' align='"
         + align + "'>" + label(port.name, (isOutput ? "output " : "input ") + number(index));
     if (ref == 0 && !isOutput)
@@ -485,9 +384,7 @@ void Drawing::leave(int ref, int depth)
 
 bool Drawing::exists(const PortRef& port) const
 {
-    const NodeRecord& node = snapshot.node(port.node);
-    const QVector<PortRecord>& ports = port.isOutput ? node.outputs : node.inputs;
-    return lookUp(drawn, port.node) && port.index >= 0 && port.index < ports.size();
+    return lookUp(drawn, port.node) && snapshot.hasPort(port);
 }
 
 /// The cell of a port. One that does not exist gets a text in its place.
@@ -517,33 +414,20 @@ void Drawing::drawEdge(const PortRef& from, const PortRef& to, const char* attri
         + (head.startsWith('n') ? ":w" : "") + " [" + attributes + "]\n";
 }
 
-/// The edge that a port is fed by, as the walks of the graph follow it.
+/// The edge that feeds a port.
 void Drawing::drawSource(const PortRef& to)
 {
-    const PortRecord& port =
-        to.isOutput ? snapshot.output(to.node, to.index) : snapshot.input(to.node, to.index);
-    const EdgeRecord& edge = snapshot.edge(port.source);
-    if (edge.removed)
+    const PortRef from = snapshot.feeder(to);
+    if (!exists(from))
         return;
-    const int parent = snapshot.node(to.node).parent;
-    const int sourceParent = snapshot.node(edge.srcNode).parent;
-    const bool isUp = to.isOutput && sourceParent == to.node;
-    const bool isDown = !to.isOutput && edge.srcNode == parent;
-    const bool isRegular = !to.isOutput && !isDown && sourceParent == parent;
-    const PortRef from = {edge.srcNode, edge.srcIndex, !isDown};
-    if (!(isUp || isDown || isRegular) || !exists(from))
-        return;
-    drawnEdges[port.source] = true;
-    drawEdge(from, to, isUp ? kUp : isDown ? kDown : kRegular);
+    drawnEdges[snapshot.port(to).source] = true;
+    drawEdge(from, to, to.isOutput ? kUp : from.isOutput ? kRegular : kDown);
 }
 
-/// An edge that no walk follows.
+/// An edge that carries nothing.
 void Drawing::drawDeadEdge(int ref)
 {
-    const EdgeRecord& edge = snapshot.edge(ref);
-    const EdgeKind kind = snapshot.kindOf(ref);
-    drawEdge({edge.srcNode, edge.srcIndex, kind != EdgeKind::Down},
-             {edge.dstNode, edge.dstIndex, kind == EdgeKind::Up}, kDead);
+    drawEdge(snapshot.sourceOf(ref), snapshot.destinationOf(ref), kDead);
 }
 
 QByteArray Drawing::draw()
@@ -553,9 +437,9 @@ QByteArray Drawing::draw()
     const auto leaving = [this](int ref, int depth) { leave(ref, depth); };
     QVector<bool> visited(snapshot.nodes.size(), false);
     if (!visited.isEmpty())
-        walk(tree, 0, 0, visited, entering, leaving);
-    for (const int stray : tree.strays())
-        walk(tree, stray, 1, visited, entering, leaving);
+        traverse(tree, 0, 0, visited, entering, leaving);
+    for (const int detached : tree.detached())
+        traverse(tree, detached, 1, visited, entering, leaving);
 
     for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
         if (!drawn.at(ref))
