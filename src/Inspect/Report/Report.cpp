@@ -5,7 +5,11 @@
 
 #include "Model/LookUp.h"
 #include "Picture/Markup.h"
+#include "Report/FrameHistogram.h"
+#include "Report/ReportNumbers.h"
 #include "Report/ReportStyle.h"
+#include "Report/ReportTimelines.h"
+#include "Report/SvgSanitizer.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Picture.h>
@@ -13,202 +17,14 @@
 #include <Kestrin/Orv/Inspect/Trace.h>
 
 #include <QtCore/QHash>
-#include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
-#include <cmath>
 
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
 namespace {
-
-const int kMostBars = 60; // in a timeline, which nobody reads beyond
-
-QByteArray number(double value)
-{
-    return QByteArray::number(value, 'f', 3);
-}
-
-QByteArray count(qint64 value)
-{
-    return QByteArray::number(value);
-}
-
-QByteArray percent(double part)
-{
-    return number(100 * part) + "%";
-}
-
-struct Unit
-{
-    double size;
-    const char* name;
-};
-
-/// The unit that suits a time.
-const Unit& unitOf(double ns)
-{
-    static const Unit units[] = {{1e9, " s"}, {1e6, " ms"}, {1e3, " \xC2\xB5s"}, {1, " ns"}};
-    for (const Unit& unit : units) {
-        if (ns >= 0.9995 * unit.size)
-            return unit;
-    }
-    return units[3];
-}
-
-/// A time with three digits.
-QByteArray timeText(double ns)
-{
-    const Unit& unit = unitOf(ns);
-    const double value = ns / unit.size;
-    const int decimals = unit.size == 1 ? 0 : value < 9.995 ? 2 : value < 99.95 ? 1 : 0;
-    return QByteArray::number(value, 'f', decimals) + unit.name;
-}
-
-/// A time at an axis, where round ones stand.
-QByteArray tickText(double ns)
-{
-    const Unit& unit = unitOf(ns);
-    return QByteArray::number(ns / unit.size, 'g', 5) + unit.name;
-}
-
-/// A round number, 1, 2 or 5 times a power of ten, that is not below `value`.
-double roundedUp(double value)
-{
-    const double power = std::pow(10, std::floor(std::log10(std::max(value, 1e-9))));
-    for (const double factor : {1.0, 2.0, 5.0}) {
-        if (factor * power >= value * 0.999999)
-            return factor * power;
-    }
-    return 10 * power;
-}
-
-// Pictures
-
-const char* const kDrawnElements[] = {"g", "polygon", "polyline", "path", "ellipse", "text"};
-const char* const kDrawnAttributes[] = {"class",
-                                        "fill",
-                                        "stroke",
-                                        "stroke-width",
-                                        "stroke-dasharray",
-                                        "stroke-opacity",
-                                        "fill-opacity",
-                                        "transform",
-                                        "points",
-                                        "d",
-                                        "cx",
-                                        "cy",
-                                        "rx",
-                                        "ry",
-                                        "x",
-                                        "y",
-                                        "text-anchor",
-                                        "font-family",
-                                        "font-size",
-                                        "font-weight",
-                                        "font-style"};
-
-template<std::size_t N>
-bool isOneOf(const QStringRef& text, const char* const (&list)[N])
-{
-    return std::any_of(std::begin(list), std::end(list),
-                       [&](const char* entry) { return text == QLatin1String(entry); });
-}
-
-QByteArray attributes(const QXmlStreamAttributes& given)
-{
-    QByteArray text;
-    for (const QXmlStreamAttribute& attribute : given) {
-        if (!attribute.namespaceUri().isEmpty() || !isOneOf(attribute.name(), kDrawnAttributes)
-            || attribute.value().contains(QLatin1String("url"), Qt::CaseInsensitive))
-            continue;
-        text += " " + attribute.name().toLatin1() + "='"
-            + escapedMarkup(attribute.value().toString()) + "'";
-    }
-    return text;
-}
-
-/// A length of SVG in points, or 0 if it is none.
-double points(const QStringRef& length)
-{
-    QString digits = length.toString();
-    if (digits.endsWith(QLatin1String("pt")) || digits.endsWith(QLatin1String("px")))
-        digits.chop(2);
-    const double value = digits.toDouble();
-    return value > 0 && value < 1e6 ? value : 0;
-}
-
-QByteArray rootElement(const QXmlStreamAttributes& given, const QByteArray& description)
-{
-    const double width = points(given.value(QLatin1String("width")));
-    if (width == 0)
-        return QByteArray();
-    return "<svg class='graph' role='img' aria-label='" + description + "' viewBox='"
-        + escapedMarkup(given.value(QLatin1String("viewBox")).toString())
-        + "' style='--w:" + number(width) + "pt'>\n";
-}
-
-/// What an SVG picture draws, for use within a page: shapes and texts and nothing that acts, refers
-/// to something else or follows rules of its own. The policy of the page keeps out the same once
-/// more. Empty for what is no picture.
-QByteArray drawnParts(const QByteArray& svg, const QByteArray& description)
-{
-    QXmlStreamReader reader(svg);
-    QByteArray out;
-    bool isInside = false;
-    while (!reader.atEnd()) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::DTD:
-            if (reader.text().contains(QLatin1Char('[')))
-                return QByteArray(); // entities of its own
-            break;
-        case QXmlStreamReader::StartElement:
-            if (!isInside) {
-                if (reader.name() != QLatin1String("svg"))
-                    return QByteArray();
-                out = rootElement(reader.attributes(), description);
-                if (out.isEmpty())
-                    return QByteArray();
-                isInside = true;
-            } else if (isOneOf(reader.name(), kDrawnElements)) {
-                out += "<" + reader.name().toLatin1() + attributes(reader.attributes()) + ">";
-            } else if (reader.name() != QLatin1String("a")) { // of a link, what it is around stays
-                reader.skipCurrentElement();
-            }
-            break;
-        case QXmlStreamReader::EndElement:
-            if (reader.name() == QLatin1String("svg"))
-                out += "</svg>\n";
-            else if (reader.name() != QLatin1String("a"))
-                out += "</" + reader.name().toLatin1() + ">";
-            break;
-        case QXmlStreamReader::Characters:
-            if (isInside && !reader.isWhitespace())
-                out += escapedMarkup(reader.text().toString());
-            else if (isInside)
-                out += "\n";
-            break;
-        default:
-            break;
-        }
-    }
-    return reader.hasError() ? QByteArray() : out;
-}
-
-// The page
-
-struct Bar
-{
-    int pass;
-    qint64 begin;
-    qint64 end;
-    qint64 called = 0;
-    qint64 waited = 0;
-    unsigned int errorCode = 0;
-    QVector<TraceEvent> events;
-};
 
 class Page
 {
@@ -227,11 +43,7 @@ private:
     void writeUnknownPass(const TraceSummary& times);
     void writeTimes(const TraceSummary* times);
     void writeFrameTimes();
-    void writeHistogram(const QVector<qint64>& times);
     void writeTimelines();
-    void writeTimeline(const TraceEvent& frame, const QByteArray& id, const QByteArray& title,
-                       const QVector<TraceEvent>& events);
-    void writeBars(const TraceEvent& frame, const QVector<Bar>& bars);
 
     void findNeeders();
     QByteArray reason(int ref) const;
@@ -244,7 +56,6 @@ private:
     QVector<bool> hasFailed;
     QVector<int> neededBy; // by node ref: the renderer's output that led to it; -1 for the target
     QVector<TraceEvent> wholeFrames; // in their order
-    QVector<TraceEvent> events;
     TraceSummary frameTimes;
     QVector<TraceSummary> passTimes;
     QHash<QString, int> timesOf; // by path, the index in `passTimes`
@@ -266,10 +77,10 @@ Page::Page(const ReportContent& shown)
     }
     if (!content.trace)
         return;
-    events = content.trace->events();
     frameTimes = content.trace->frames();
     passTimes = content.trace->passes();
-    for (const TraceEvent& event : qAsConst(events)) {
+    const QVector<TraceEvent> events = content.trace->events();
+    for (const TraceEvent& event : events) {
         if (event.kind == TraceEvent::Frame)
             wholeFrames.append(event);
     }
@@ -386,8 +197,8 @@ void Page::writeFacts()
         fact(count(failed), "failed");
     if (frameTimes.count > 0) {
         fact(count(frameTimes.count), frameTimes.count == 1 ? "frame" : "frames");
-        fact(timeText(static_cast<double>(frameTimes.median)), "median frame");
-        fact(timeText(static_cast<double>(frameTimes.maximum)), "longest frame");
+        fact(timeText(frameTimes.median), "median frame");
+        fact(timeText(frameTimes.maximum), "longest frame");
     }
     out += "</dl>\n";
 }
@@ -396,7 +207,7 @@ void Page::writePicture()
 {
     out += "<section aria-labelledby='picture'>\n<h2 id='picture'>Picture</h2>\n";
     const QByteArray drawn =
-        drawnParts(content.picture, "The graph; the table of passes tells the same in words");
+        sanitizedSvg(content.picture, "The graph; the table of passes says the same in words");
     if (drawn.isEmpty()) {
         out += "<p>The graph as text for Graphviz, whose <code>dot -Tsvg</code> draws it.</p>\n"
                "<pre class='scroll' tabindex='0' role='region' "
@@ -445,8 +256,8 @@ void Page::writeTimes(const TraceSummary* times)
         return;
     }
     const auto cell = [this](const char* name, qint64 time, const QByteArray& more) {
-        out += "<td role='cell' class='n" + more + " data-label='" + name + "'>"
-            + timeText(static_cast<double>(time)) + "</td>";
+        out += "<td role='cell' class='n" + more + " data-label='" + name + "'>" + timeText(time)
+            + "</td>";
     };
     const double part = longestMedian > 0
         ? static_cast<double>(times->median) / static_cast<double>(longestMedian)
@@ -531,109 +342,6 @@ void Page::writePasses()
     out += "</section>\n";
 }
 
-/// How frame times are counted. Few and far longer ones go into one last bar.
-struct Bins
-{
-    explicit Bins(const QVector<qint64>& sorted);
-
-    double from;
-    double step;
-    bool hasRest = false; // the last bin holds all that is longer
-    QVector<int> counts;
-};
-
-Bins::Bins(const QVector<qint64>& sorted)
-{
-    const int most = 30;
-    const auto at = [&sorted](double part) {
-        return static_cast<double>(sorted.at(static_cast<int>(part * (sorted.size() - 1))));
-    };
-    const double longest = at(1);
-    double to = qMax(at(0.98), at(0.75) + 4 * (at(0.75) - at(0.25)));
-    hasRest = longest > to + (to - at(0));
-    if (!hasRest)
-        to = longest;
-    step = roundedUp(qMax((to - at(0)) / most, qMax(to / 100, 1.0)));
-    from = std::floor(at(0) / step) * step;
-    counts.resize(static_cast<int>((to - from) / step) + 1 + hasRest);
-    for (const qint64 time : sorted) {
-        const double bin = std::floor((static_cast<double>(time) - from) / step);
-        ++counts[static_cast<int>(qBound(0.0, bin, counts.size() - 1.0))];
-    }
-}
-
-void Page::writeHistogram(const QVector<qint64>& times)
-{
-    const Bins bins(times);
-    const int most = *std::max_element(bins.counts.begin(), bins.counts.end());
-    const double numBins = bins.counts.size();
-    const int top = 34, bottom = 204;
-    const int gridStep = qMax(1, static_cast<int>(roundedUp(most / 4.0)));
-    const auto y = [=](double frames) { return bottom - (bottom - top) * frames / most; };
-    const auto range = [&](int bin) {
-        const double begin = bins.from + bin * bins.step;
-        return bins.hasRest && bin == bins.counts.size() - 1
-            ? timeText(begin) + " and longer"
-            : timeText(begin) + " to " + timeText(begin + bins.step);
-    };
-
-    out += "<figure>\n<figcaption>How many frames took how long</figcaption>\n"
-           "<svg class='chart' height='244' role='img' aria-label='Histogram of "
-        + count(times.size()) + " frame times: median "
-        + timeText(static_cast<double>(frameTimes.median)) + ", longest "
-        + timeText(static_cast<double>(frameTimes.maximum)) + "'>\n";
-    for (int frames = gridStep; frames <= most; frames += gridStep) {
-        const bool isHighest = frames + gridStep > most;
-        out += "<line class='grid' x1='0' x2='100%' y1='" + number(y(frames)) + "' y2='"
-            + number(y(frames)) + "'/><text class='quiet halo' x='0' y='" + number(y(frames) - 4)
-            + "'>" + count(frames) + (isHighest ? frames == 1 ? " frame" : " frames" : "")
-            + "</text>\n";
-    }
-    for (int bin = 0; bin < bins.counts.size(); ++bin) {
-        const int frames = bins.counts.at(bin);
-        if (frames == 0)
-            continue;
-        const bool isRest = bins.hasRest && bin == bins.counts.size() - 1;
-        out += QByteArray("<rect class='bar") + (isRest ? " rest" : "") + "' x='"
-            + percent(bin / numBins) + "' width='" + percent(1 / numBins) + "' y='"
-            + number(y(frames)) + "' height='" + number(bottom - y(frames)) + "'><title>"
-            + range(bin) + ": " + count(frames) + "</title></rect>\n";
-    }
-    const double to = bins.from + numBins * bins.step;
-    // Each on its own line; the median's text to the left of its mark, the other's to the right.
-    const auto mark = [&](const char* kind, const QByteArray& name, qint64 time, int at) {
-        const double part =
-            qBound(0.0, (static_cast<double>(time) - bins.from) / (to - bins.from), 1.0);
-        const bool isLeft = part > (*kind == '\0' ? 0.35 : 0.65);
-        out += QByteArray("<line class='mark ") + kind + "' x1='" + percent(part) + "' x2='"
-            + percent(part) + "' y1='" + count(at - 10) + "' y2='204'/><text class='halo' x='"
-            + percent(part) + "' y='" + count(at) + "' dx='" + (isLeft ? "-5" : "5")
-            + "' text-anchor='" + (isLeft ? "end" : "start") + "'>" + name + " "
-            + timeText(static_cast<double>(time)) + "</text>\n";
-    };
-    mark("", "median", frameTimes.median, 12);
-    mark("far", "99 % within", frameTimes.percentile99, 27);
-    out += "<line class='axis' x1='0' x2='100%' y1='204' y2='204'/>\n";
-    const int labelStep = qMax(1, static_cast<int>(std::ceil(numBins / 4)));
-    for (int bin = 0; bin < bins.counts.size() - labelStep / 2; bin += labelStep) {
-        out += "<text class='quiet' x='" + percent(bin / numBins) + "' y='220'>"
-            + tickText(bins.from + bin * bins.step) + "</text>\n";
-    }
-    if (bins.hasRest)
-        out += "<text class='quiet' x='100%' y='220' text-anchor='end'>longer</text>\n";
-    out += "<text class='quiet' x='100%' y='240' text-anchor='end'>time of a frame</text>\n"
-           "</svg>\n"
-           "<details><summary>As a table</summary>\n<table>\n<thead><tr><th scope='col'>Time</th>"
-           "<th scope='col' class='n'>Frames</th></tr></thead>\n<tbody>\n";
-    for (int bin = 0; bin < bins.counts.size(); ++bin) {
-        if (bins.counts.at(bin) > 0) {
-            out += "<tr><th scope='row'>" + range(bin) + "</th><td class='n'>"
-                + count(bins.counts.at(bin)) + "</td></tr>\n";
-        }
-    }
-    out += "</tbody>\n</table>\n</details>\n</figure>\n";
-}
-
 void Page::writeFrameTimes()
 {
     QVector<qint64> times;
@@ -641,8 +349,8 @@ void Page::writeFrameTimes()
     for (const TraceEvent& frame : qAsConst(wholeFrames))
         times.append(qMax<qint64>(0, frame.endNs - frame.beginNs));
     std::sort(times.begin(), times.end());
-    out += "<section aria-labelledby='times'>\n<h2 id='times'>Frame times</h2>\n";
-    writeHistogram(times);
+    out += "<section aria-labelledby='times'>\n<h2 id='times'>Frame times</h2>\n"
+        + frameHistogram(times, frameTimes);
     if (content.trace->numDropped() > 0) {
         out += "<p class='soft'>The trace was full before the end: "
             + count(content.trace->numDropped())
@@ -651,141 +359,10 @@ void Page::writeFrameTimes()
     out += "</section>\n";
 }
 
-void Page::writeBars(const TraceEvent& frame, const QVector<Bar>& bars)
-{
-    const int rowHeight = 34;
-    const int height = rowHeight * bars.size() + 24;
-    const double length = qMax(1.0, static_cast<double>(frame.endNs - frame.beginNs));
-    const auto partAt = [&](qint64 time) {
-        return qBound(0.0, static_cast<double>(time - frame.beginNs) / length, 1.0);
-    };
-    const double step = roundedUp(length / 4);
-
-    out += "<svg class='chart timeline' height='" + count(height)
-        + "' role='img' aria-label='Timeline of frame " + count(frame.frame)
-        + "; the table below tells the same'>\n";
-    int y = 0;
-    for (const Bar& bar : bars) {
-        out += "<rect class='track' x='0' width='100%' y='" + count(y + 17) + "' height='12'/>\n";
-        for (const TraceEvent& event : bar.events) {
-            const bool isWait = event.kind == TraceEvent::Wait;
-            out += QByteArray("<rect class='") + (isWait ? "waited" : "call")
-                + (bar.errorCode != 0 && !isWait ? " bad'" : "'")
-                + (isWait ? " fill='url(#waited)'" : "") + " x='" + percent(partAt(event.beginNs))
-                + "' width='" + percent(partAt(event.endNs) - partAt(event.beginNs)) + "' y='"
-                + count(y + 17) + "' height='12'/>\n";
-        }
-        const QString name = shortened(content.trace->passName(bar.pass), 36);
-        out += "<text x='0' y='" + count(y + 12) + "'>" + escapedMarkup(name)
-            + "</text><text class='quiet' x='100%' y='" + count(y + 12) + "' text-anchor='end'>"
-            + timeText(static_cast<double>(bar.called + bar.waited))
-            + (bar.errorCode != 0 ? ", failed" : "") + "</text>\n";
-        y += rowHeight;
-    }
-    for (int tick = 0; tick * step <= length; ++tick) {
-        const double part = tick * step / length;
-        out += "<line class='grid' x1='" + percent(part) + "' x2='" + percent(part) + "' y1='"
-            + count(height - 22) + "' y2='" + count(height - 16) + "'/>";
-        if (part < 0.9) {
-            out += "<text class='quiet' x='" + percent(part) + "' y='" + count(height - 3) + "'>"
-                + tickText(tick * step) + "</text>\n";
-        }
-    }
-    out += "</svg>\n";
-}
-
-void Page::writeTimeline(const TraceEvent& frame, const QByteArray& id, const QByteArray& title,
-                         const QVector<TraceEvent>& eventsOfFrame)
-{
-    QVector<Bar> bars;
-    QHash<int, int> barOf; // by pass
-    for (TraceEvent event : eventsOfFrame) {
-        auto index = barOf.find(event.pass);
-        if (index == barOf.end()) {
-            index = barOf.insert(event.pass, bars.size());
-            bars.append({event.pass, event.beginNs, event.endNs, 0, 0, 0, {}});
-        }
-        Bar& bar = bars[*index];
-        // A call within a call has been counted.
-        if (!bar.events.isEmpty())
-            event.beginNs = qMax(event.beginNs, bar.end);
-        if (event.endNs < event.beginNs)
-            continue;
-        bar.end = event.endNs;
-        (event.kind == TraceEvent::Wait ? bar.waited : bar.called) += event.endNs - event.beginNs;
-        bar.errorCode = qMax(bar.errorCode, event.errorCode);
-        bar.events.append(event);
-    }
-    const int numPasses = bars.size();
-    if (numPasses > kMostBars) {
-        // The longest ones, in the order in which they were called.
-        const auto longer = [](const Bar& a, const Bar& b) {
-            return a.called + a.waited > b.called + b.waited;
-        };
-        std::stable_sort(bars.begin(), bars.end(), longer);
-        bars.resize(kMostBars);
-        std::stable_sort(bars.begin(), bars.end(),
-                         [](const Bar& a, const Bar& b) { return a.begin < b.begin; });
-    }
-
-    out += "<h3 id='" + id + "'>" + title + ": frame " + count(frame.frame) + ", "
-        + timeText(static_cast<double>(frame.endNs - frame.beginNs)) + "</h3>\n<figure>\n";
-    if (numPasses > kMostBars) {
-        out += "<figcaption>The " + count(kMostBars) + " longest of " + count(numPasses)
-            + " passes</figcaption>\n";
-    }
-    writeBars(frame, bars);
-    out += "<details><summary>As a table</summary>\n"
-           "<div class='scroll' tabindex='0' role='region' aria-label='Table of frame "
-        + count(frame.frame) + ", scrollable'>\n<table>\n<thead><tr><th scope='col'>Pass</th>"
-        + "<th scope='col' class='n'>From</th><th scope='col' class='n'>To</th>"
-          "<th scope='col' class='n'>In calls</th><th scope='col' class='n'>Waiting</th>"
-          "<th scope='col' class='n'>Error</th></tr></thead>\n<tbody>\n";
-    for (const Bar& bar : qAsConst(bars)) {
-        out += "<tr><th scope='row'>" + escapedMarkup(content.trace->passName(bar.pass)) + "</th>";
-        for (const qint64 time :
-             {bar.begin - frame.beginNs, bar.end - frame.beginNs, bar.called, bar.waited}) {
-            out += "<td class='n'>" + timeText(static_cast<double>(time)) + "</td>";
-        }
-        out += "<td class='n'>" + (bar.errorCode == 0 ? QByteArray() : count(bar.errorCode))
-            + "</td></tr>\n";
-    }
-    out += "</tbody>\n</table>\n</div>\n</details>\n</figure>\n";
-}
-
 void Page::writeTimelines()
 {
-    const auto time = [](const TraceEvent& frame) { return frame.endNs - frame.beginNs; };
-    QVector<TraceEvent> byTime = wholeFrames;
-    std::stable_sort(byTime.begin(), byTime.end(),
-                     [&](const TraceEvent& a, const TraceEvent& b) { return time(a) < time(b); });
-    const TraceEvent middle = byTime.at((byTime.size() - 1) / 2);
-    const TraceEvent longest = byTime.last();
-    QVector<TraceEvent> ofMiddle, ofLongest;
-    for (const TraceEvent& event : qAsConst(events)) {
-        if (event.kind == TraceEvent::Frame || event.kind >= TraceEvent::IsFinished)
-            continue;
-        if (event.frame == middle.frame)
-            ofMiddle.append(event);
-        if (event.frame == longest.frame)
-            ofLongest.append(event);
-    }
-
     out += "<section aria-labelledby='timelines'>\n<h2 id='timelines'>Timelines</h2>\n"
-           "<ul class='legend'><li><svg width='24' height='12' class='chart' "
-           "style='width:24px;display:inline-block' aria-hidden='true'><defs>"
-           "<pattern id='waited' width='6' height='6' patternUnits='userSpaceOnUse' "
-           "patternTransform='rotate(45)'><path d='M1 0V6' stroke-width='2' "
-           "style='stroke:var(--run)'/></pattern></defs>"
-           "<rect class='call' width='24' height='12'/></svg>in calls of the pass</li>"
-           "<li><svg width='24' height='12' class='chart' "
-           "style='width:24px;display:inline-block' aria-hidden='true'>"
-           "<rect class='waited' fill='url(#waited)' width='24' height='12'/></svg>"
-           "waiting for it to finish</li></ul>\n";
-    if (middle.frame != longest.frame)
-        writeTimeline(middle, "median-frame", "The median frame", ofMiddle);
-    writeTimeline(longest, "longest-frame", "The longest frame", ofLongest);
-    out += "</section>\n";
+        + timelinesOf(*content.trace, wholeFrames) + "</section>\n";
 }
 
 QByteArray Page::write()
