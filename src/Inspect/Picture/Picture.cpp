@@ -7,9 +7,8 @@
 #include "Model/ValueText.h"
 #include "Picture/Markup.h"
 #include "Picture/NodeTree.h"
-
-#include <Kestrin/Orv/Inspect/Paths.h>
-#include <Kestrin/Orv/Inspect/Schedule.h>
+#include "Rules/PredictSchedule.h"
+#include "Rules/ValueFlow.h"
 
 namespace Kestrin {
 namespace Orv {
@@ -87,89 +86,6 @@ QByteArray shortValue(const QVariant& value)
     return text.isEmpty() ? QByteArray() : " = " + text.toUtf8();
 }
 
-/// Whether a parameter or the output of a live pass reaches a port, found out once for each port on
-/// the way: many may lead through the same groups.
-class ValueFlow
-{
-public:
-    explicit ValueFlow(const Snapshot& shown);
-
-    bool reach(PortRef port);
-
-private:
-    enum Answer : signed char { Unknown, No, Yes };
-
-    Answer* answer(const PortRef& port);
-    bool stepBack(PortRef& port) const;
-
-    const Snapshot& snapshot;
-    QVector<QVector<Answer>> ofInputs;
-    QVector<QVector<Answer>> ofOutputs;
-};
-
-ValueFlow::ValueFlow(const Snapshot& shown)
-    : snapshot(shown)
-    , ofInputs(shown.nodes.size())
-    , ofOutputs(shown.nodes.size())
-{
-    for (int ref = 0; ref < shown.nodes.size(); ++ref) {
-        ofInputs[ref].fill(Unknown, shown.nodes.at(ref).inputs.size());
-        ofOutputs[ref].fill(Unknown, shown.nodes.at(ref).outputs.size());
-    }
-}
-
-/// Null for a port that does not exist.
-ValueFlow::Answer* ValueFlow::answer(const PortRef& port)
-{
-    QVector<QVector<Answer>>& nodes = port.isOutput ? ofOutputs : ofInputs;
-    if (port.node < 0 || port.node >= nodes.size() || port.index < 0
-        || port.index >= nodes.at(port.node).size())
-        return nullptr;
-    return &nodes[port.node][port.index];
-}
-
-/// To the port that feeds this one, as the walks of the graph go.
-bool ValueFlow::stepBack(PortRef& port) const
-{
-    const PortRecord& record = port.isOutput ? snapshot.output(port.node, port.index)
-                                             : snapshot.input(port.node, port.index);
-    const EdgeRecord& edge = snapshot.edge(record.source);
-    if (edge.removed)
-        return false;
-    const int parent = snapshot.node(port.node).parent;
-    const int sourceParent = snapshot.node(edge.srcNode).parent;
-    const bool isDown = !port.isOutput && edge.srcNode == parent;
-    if (!isDown && sourceParent != (port.isOutput ? port.node : parent))
-        return false;
-    port = {edge.srcNode, edge.srcIndex, !isDown};
-    return true;
-}
-
-bool ValueFlow::reach(PortRef port)
-{
-    QVector<Answer*> way;
-    Answer found = No;
-    for (;;) {
-        Answer* known = answer(port);
-        if (known && *known != Unknown) {
-            found = *known;
-            break;
-        }
-        if (known) {
-            *known = No; // for now: a way that leads back here leads nowhere
-            way.append(known);
-        }
-        if ((port.node != 0 || port.isOutput) && stepBack(port))
-            continue;
-        const bool isParameter = port.node == 0 && !port.isOutput;
-        found = isParameter || (port.isOutput && snapshot.isLivePass(port.node)) ? Yes : No;
-        break;
-    }
-    for (Answer* passed : qAsConst(way))
-        *passed = found;
-    return found == Yes;
-}
-
 class Drawing
 {
 public:
@@ -198,8 +114,8 @@ private:
 
     const Snapshot& snapshot;
     const NodeTree tree;
+    const ValueFlow flow;
     const Schedule schedule;
-    ValueFlow values;
     QVector<bool> hasFailed;
     QVector<bool> drawn;      // by node ref
     QVector<bool> drawnEdges; // by edge ref: those that carry something
@@ -210,8 +126,8 @@ private:
 Drawing::Drawing(const Snapshot& shown, const QVector<int>& failed)
     : snapshot(shown)
     , tree(shown)
-    , schedule(predictSchedule(shown))
-    , values(shown)
+    , flow(shown)
+    , schedule(predictSchedule(shown, flow))
     , hasFailed(shown.nodes.size(), false)
     , drawn(shown.nodes.size(), false)
     , drawnEdges(shown.edges.size(), false)
@@ -289,7 +205,7 @@ QByteArray Drawing::cell(int ref, int index, bool isOutput, const char* align)
         + align + "'>" + label(port.name, (isOutput ? "output " : "input ") + number(index));
     if (ref == 0 && !isOutput)
         text += shortValue(lookUp(snapshot.parameters, index));
-    if (!isOutput && snapshot.node(ref).pass && !values.reach({ref, index, false}))
+    if (!isOutput && snapshot.node(ref).pass && !flow.carriesValue({ref, index, false}))
         text += " <font color='#4b5563'><i>default" + shortValue(port.defaultValue) + "</i></font>";
     return text + "</td>";
 }
