@@ -144,7 +144,7 @@ void Histogram::writeAxis()
         out += "<text class='quiet' x='100%' y='" + count(kTickLabels)
             + "' text-anchor='end'>longer</text>\n";
     out += "<text class='quiet' x='100%' y='" + count(kAxisTitle)
-        + "' text-anchor='end'>time of a frame</text>\n";
+        + "' text-anchor='end'>frame time</text>\n";
 }
 
 void Histogram::writeTable()
@@ -162,7 +162,7 @@ void Histogram::writeTable()
 
 QByteArray Histogram::write()
 {
-    out = "<figure>\n<figcaption>How many frames took how long</figcaption>\n"
+    out = "<figure>\n<figcaption>Number of frames by frame time</figcaption>\n"
           "<svg class='chart' height='"
         + count(kHeight) + "' role='img' aria-label='Histogram of " + count(numFrames)
         + " frame times: median " + timeText(summary.median) + ", longest "
@@ -171,7 +171,7 @@ QByteArray Histogram::write()
     writeBars();
     // The texts on lines of their own.
     writeMark("", "median", summary.median, 12);
-    writeMark("far", "99 % within", summary.percentile99, 27);
+    writeMark("far", "99th percentile", summary.percentile99, 27);
     writeAxis();
     out += "</svg>\n";
     writeTable();

@@ -87,7 +87,7 @@ Page::Page(const ReportContent& shown)
     // The last one may not have been recorded to its end.
     wholeFrames.resize(qMin(wholeFrames.size(), frameTimes.count));
     for (int i = 0; i < passTimes.size(); ++i) {
-        // A pass that was made anew goes by the same name.
+        // Of passes with the same name, the one that was called: another may have replaced it.
         if (passTimes.at(i).count == 0)
             continue;
         timesOf.insert(passTimes.at(i).name, i);
@@ -99,14 +99,14 @@ void Page::findNeeders()
 {
     const int unknown = -2;
     neededBy.fill(unknown, snapshot.nodes.size());
-    QVector<int> way;
+    QVector<int> path;
     for (int ref = 0; ref < neededBy.size(); ++ref) {
-        // Back to where the way began, or to where it is known already.
+        // Back to where the path begins, or to a node for which this is known.
         int needer = ref;
         int output = -1;
         while (needer > 0 && neededBy.at(needer) == unknown) {
             neededBy[needer] = -1;
-            way.append(needer);
+            path.append(needer);
             const PortRef by = lookUp(schedule.reachedBy, needer);
             if (by.node == 0)
                 output = by.index;
@@ -114,9 +114,9 @@ void Page::findNeeders()
         }
         if (needer > 0)
             output = neededBy.at(needer);
-        for (const int node : qAsConst(way))
+        for (const int node : qAsConst(path))
             neededBy[node] = output;
-        way.clear();
+        path.clear();
     }
 }
 
@@ -129,7 +129,7 @@ const char* Page::state(int ref) const
     return snapshot.node(ref).enabled ? "not-needed" : "disabled";
 }
 
-/// Why a pass runs or not: the next step on the way from what needs it.
+/// Why a pass runs or not: what needs it, and through which input.
 QByteArray Page::reason(int ref) const
 {
     const PortRef by = lookUp(schedule.reachedBy, ref);
@@ -142,10 +142,10 @@ QByteArray Page::reason(int ref) const
         ? "the renderer's output " + escapedMarkup(paths.output(0, output))
         : "the target " + escapedMarkup(paths.node(snapshot.target));
     const bool runs = schedule.positions.value(ref, -1) >= 0;
-    QByteArray text = (runs ? "Needed by " : "Wanted by ") + needer;
+    QByteArray text = "Needed by " + needer;
     if (by.node != 0)
         text += ", feeds " + escapedMarkup(paths.port(by));
-    return text + (runs ? "." : "; defaults are taken in its place.");
+    return text + (runs ? "." : "; its readers take their defaults.");
 }
 
 void Page::writeHead()
@@ -336,8 +336,10 @@ void Page::writePasses()
     }
     out += "</tbody>\n</table>\n</div>\n";
     if (content.trace) {
-        out += "<p class='soft'>Times are what all calls of a pass took in one frame, waiting "
-               "included; so many percent of the frames took no longer.</p>\n";
+        out +=
+            "<p class='soft'>A time is that of all calls of a pass in one frame, waiting included. "
+            "90&#160;% and 99&#160;% are percentiles: so many of the frames took no "
+            "longer.</p>\n";
     }
     out += "</section>\n";
 }

@@ -239,8 +239,8 @@ TEST(Report, SaysOfEachPassWhyItRunsOrNot)
     EXPECT_EQ(row(page, "Antialias"),
               "8|Antialias|Fxaa|failed Needed by the renderer's output picture.|");
     EXPECT_EQ(row(page, "Grain"),
-              "|Grain|Noise|disabled Wanted by the renderer's output picture, feeds Tone.grain; "
-              "defaults are taken in its place.|");
+              "|Grain|Noise|disabled Needed by the renderer's output picture, feeds Tone.grain; "
+              "its readers take their defaults.|");
     EXPECT_EQ(
         row(page, "Wireframe"),
         "|Wireframe|Overlay|not needed No output of the renderer and no target leads to it.|");
