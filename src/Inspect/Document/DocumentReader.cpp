@@ -24,10 +24,6 @@ namespace Inspect {
 
 namespace {
 
-QString quoted(const QString& text)
-{
-    return QLatin1Char('"') + oneLine(text) + QLatin1Char('"');
-}
 
 /// The positions of each name in a list.
 using Positions = QHash<QString, QVector<int>>;

@@ -27,6 +27,11 @@ QString oneLine(const QString& text)
     return line;
 }
 
+QString quoted(const QString& text)
+{
+    return QLatin1Char('"') + oneLine(text) + QLatin1Char('"');
+}
+
 QString compactJson(const QJsonValue& value)
 {
     const QString array =

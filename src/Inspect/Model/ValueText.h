@@ -12,16 +12,20 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A text of the host's on one line: control characters as in paths.
+/// A text that the host wrote, on one line: control characters are escaped as in paths.
 QString oneLine(const QString& text);
+
+/// A text in quotes, on one line.
+QString quoted(const QString& text);
 
 /// JSON without spaces and line breaks.
 QString compactJson(const QJsonValue& value);
 
-/// The shortest number that a reader rounds to the same float.
+/// The number with the fewest digits that rounds to the same float.
 double shortestNumber(float number);
 
-/// A float or double in few digits: 0.9F is "0.9". Not-a-number is "nan".
+/// A float or double in the fewest digits that are read as the same number: 0.9F is "0.9".
+/// Not-a-number is "nan".
 QString numberText(const QVariant& value);
 
 /// A bool or a number; empty for a value of any other type.
