@@ -58,7 +58,7 @@ All of it is told at once:
   $ orv order wrong.json
   ! wrong.json:7:19: unknown-parent: "Missing/Tone": no entry before this one is the group "Missing"
   ! wrong.json:10:9: unknown-port: "Geometry.colour -> Picture": "Geometry" has no output "colour"
-  ! wrong.json:12:9: already-fed: "Geometry.color -> Picture": Picture is fed by Geometry.color already
+  ! wrong.json:12:9: already-fed: "Geometry.color -> Picture": Picture is already fed by Geometry.color
   ! wrong.json:14:15: unknown-node: target: there is no node "Nobody"
   ? 2
   $ orv order --json wrong.json
@@ -83,7 +83,7 @@ All of it is told at once:
               "column": 9,
               "file": "wrong.json",
               "line": 12,
-              "text": "\"Geometry.color -> Picture\": Picture is fed by Geometry.color already"
+              "text": "\"Geometry.color -> Picture\": Picture is already fed by Geometry.color"
           },
           {
               "code": "unknown-node",

@@ -3,6 +3,7 @@
 
 #include "Document/CanonicalSnapshot.h"
 
+#include "Model/EdgeText.h"
 #include "Model/LookUp.h"
 #include "Rules/EdgeCheck.h"
 
@@ -16,6 +17,7 @@ namespace Inspect {
 
 namespace {
 
+/// Builds the canonical snapshot of another one.
 class Canonicalizer
 {
 public:
@@ -23,7 +25,7 @@ public:
         : original(from)
         , paths(from)
         , canonical(to)
-        , refs(from.nodes.size(), kNotYet)
+        , refs(from.nodes.size(), kNotSeen)
     {
     }
 
@@ -34,26 +36,25 @@ public:
         checkChildren();
         numberPasses();
         addEdges();
+        checkEdgeOrder();
         setTarget();
     }
 
 private:
-    static constexpr int kNotYet = -1;
-    static constexpr int kNowhere = -2;
+    static constexpr int kNotSeen = -1;
+    static constexpr int kUnreachable = -2;
 
     void lose(const char* code, const QString& text, int node, int edge, bool gone = true)
     {
         canonical.losses.append({QLatin1String(code), text, node, edge, gone});
     }
-    /// Of a node of the snapshot.
+    void loseEdge(const char* code, int edge, const char* reason, bool gone = true)
+    {
+        lose(code, edgeText(paths, original, edge) + QLatin1String(reason), -1, edge, gone);
+    }
     QString nameOf(int node) const
     {
         return node == 0 ? QLatin1String("the renderer") : paths.node(node);
-    }
-    QString edgeText(int edge) const
-    {
-        return paths.port(original.sourceOf(edge)) + QLatin1String(" -> ")
-            + paths.port(original.destinationOf(edge));
     }
 
     void addRoot();
@@ -62,11 +63,13 @@ private:
     void checkChildren();
     void numberPasses();
     void addEdges();
+    void checkEdgeOrder();
     void setTarget();
     QVector<int> edgeOrder() const;
-    bool report(int edge, EdgeCheck::Verdict verdict);
+    void reportVerdict(int edge, EdgeCheck::Verdict verdict);
 
-    static QVector<PortRecord> bare(QVector<PortRecord> ports, bool withDefaults)
+    /// Ports without their edges.
+    static QVector<PortRecord> unconnected(QVector<PortRecord> ports, bool withDefaults)
     {
         for (PortRecord& port : ports) {
             port.source = -1;
@@ -80,7 +83,7 @@ private:
     const Snapshot& original;
     const Paths paths;
     CanonicalSnapshot& canonical;
-    QVector<int> refs; // by node of the original: its ref in the canonical
+    QVector<int> refs; // by node of the original: its ref in the canonical snapshot
 };
 
 void Canonicalizer::addRoot()
@@ -97,8 +100,8 @@ void Canonicalizer::addRoot()
     root.enabled = false;
     root.type.clear();
     root.children.clear();
-    root.inputs = bare(root.inputs, false);
-    root.outputs = bare(root.outputs, false);
+    root.inputs = unconnected(root.inputs, false);
+    root.outputs = unconnected(root.outputs, false);
 
     canonical.snapshot.parameters = original.parameters;
     canonical.snapshot.parameters.resize(root.inputs.size());
@@ -113,7 +116,7 @@ void Canonicalizer::addRoot()
         lose("output-mismatch",
              QLatin1String("the renderer has ") + QString::number(original.numOutputs)
                  + QLatin1String(" outputs, but its root has ")
-                 + QString::number(root.outputs.size()) + QLatin1String(" of them"),
+                 + QString::number(root.outputs.size()),
              0, -1);
     canonical.snapshot.nodes[0] = root;
     canonical.origins = {0};
@@ -123,12 +126,12 @@ void Canonicalizer::addRoot()
 
 void Canonicalizer::addNodes()
 {
-    QVector<int> line; // a node and those above it that have not been added
+    QVector<int> line; // a node and its ancestors that have not been seen
     for (int node = 1; node < original.nodes.size(); ++node) {
         line.clear();
         int above = node;
-        // A line longer than the table is a cycle.
-        while (above > 0 && above < refs.size() && refs.at(above) == kNotYet
+        // The parents of odd snapshots may form a cycle.
+        while (above > 0 && above < refs.size() && refs.at(above) == kNotSeen
                && !original.nodes.at(above).removed && line.size() < refs.size()) {
             line.append(above);
             above = original.nodes.at(above).parent;
@@ -138,10 +141,10 @@ void Canonicalizer::addNodes()
             const int next = line.takeLast();
             if (leadsToRoot) {
                 addNode(next);
-            } else if (refs.at(next) == kNotYet) {
-                refs[next] = kNowhere;
-                lose("unreachable-node",
-                     paths.node(next) + QLatin1String(" does not lie below the root"), next, -1);
+            } else if (refs.at(next) == kNotSeen) {
+                refs[next] = kUnreachable;
+                lose("unreachable-node", paths.node(next) + QLatin1String(" is not below the root"),
+                     next, -1);
             }
         }
     }
@@ -154,8 +157,8 @@ void Canonicalizer::addNode(int node)
     refs[node] = ref;
     record.parent = refs.at(record.parent);
     record.children.clear();
-    record.inputs = bare(record.inputs, record.pass);
-    record.outputs = bare(record.outputs, false);
+    record.inputs = unconnected(record.inputs, record.pass);
+    record.outputs = unconnected(record.outputs, false);
     record.enabled = record.pass && record.enabled;
     if (!record.pass)
         record.type.clear();
@@ -164,7 +167,7 @@ void Canonicalizer::addNode(int node)
     canonical.origins.append(node);
 }
 
-/// Whether each parent lists the children that a document makes it list.
+/// Reports the nodes that list other children than they will have when the document is read.
 void Canonicalizer::checkChildren()
 {
     for (int ref = 0; ref < canonical.snapshot.nodes.size(); ++ref) {
@@ -190,12 +193,13 @@ void Canonicalizer::checkChildren()
         }
         if (allListed)
             lose("child-order",
-                 nameOf(node) + QLatin1String(" lists its children otherwise than the node table"),
+                 nameOf(node)
+                     + QLatin1String(" lists its children in another order than the node table"),
                  node, -1, false);
     }
 }
 
-/// Passes are numbered as they will be registered.
+/// Gives the passes the values that they will have when they are added to a renderer.
 void Canonicalizer::numberPasses()
 {
     QSet<int> seen;
@@ -206,9 +210,8 @@ void Canonicalizer::numberPasses()
             continue;
         if (record.value >= 0 && seen.contains(record.value)) {
             const int node = canonical.origins.at(ref);
-            lose("shared-pass",
-                 nameOf(node) + QLatin1String(" has a pass that another node has as well"), node,
-                 -1);
+            lose("shared-pass", nameOf(node) + QLatin1String(" has the same pass as another node"),
+                 node, -1);
         }
         seen.insert(record.value);
         record.value = numPasses++;
@@ -220,15 +223,15 @@ void Canonicalizer::numberPasses()
         const int node = canonical.origins.at(ref);
         lose("node-value",
              nameOf(node) + QLatin1String(" has the value ") + QString::number(record.value)
-                 + QLatin1String(", which would name a pass"),
+                 + QLatin1String(", which is the number of a pass"),
              node, -1);
         record.value = -1;
     }
 }
 
-/// The live edges in the order of their table; but where the oldest edge that leaves an output is
-/// an up edge that is older than one to a sibling, which a graph takes no more, that one comes
-/// first.
+/// The live edges in the order of their table, with one exception. A graph refuses an edge to a
+/// sibling if the oldest edge of its output leaves the group. So the first edge to a sibling comes
+/// before such an edge.
 QVector<int> Canonicalizer::edgeOrder() const
 {
     QHash<QPair<int, int>, int> siblings; // by output: the first edge to a sibling
@@ -257,31 +260,28 @@ QVector<int> Canonicalizer::edgeOrder() const
     return order;
 }
 
-bool Canonicalizer::report(int edge, EdgeCheck::Verdict verdict)
+/// Reports an edge that a graph refuses.
+void Canonicalizer::reportVerdict(int edge, EdgeCheck::Verdict verdict)
 {
-    const auto because = [&](const char* code, const char* reason) {
-        lose(code, edgeText(edge) + QLatin1String(reason), -1, edge);
-    };
     switch (verdict) {
     case EdgeCheck::Accepted:
-        return true;
+        break;
     case EdgeCheck::NoSuchPort:
-        because("stray-edge", " has lost a port");
+        loseEdge("stray-edge", edge, " names a port that has been removed or has moved");
         break;
     case EdgeCheck::NotRelated:
-        because("unrelated-nodes", " connects neither siblings nor a group and its child");
+        loseEdge("unrelated-nodes", edge, " connects neither siblings nor a group and its child");
         break;
     case EdgeCheck::AlreadyFed:
-        because("already-fed", " enters a port that another edge feeds");
+        loseEdge("already-fed", edge, " enters a port that another edge feeds");
         break;
     case EdgeCheck::LeavesGroup:
-        because("leaves-group", " leaves an output whose oldest edge leaves the group");
+        loseEdge("leaves-group", edge, " leaves an output whose oldest edge leaves the group");
         break;
     case EdgeCheck::Cycle:
-        because("cycle", " closes a cycle that a graph refuses in this order");
+        loseEdge("cycle", edge, " closes a cycle, so a graph refuses it");
         break;
     }
-    return false;
 }
 
 void Canonicalizer::addEdges()
@@ -291,14 +291,16 @@ void Canonicalizer::addEdges()
     QVector<EdgeRecord> records;
     for (const int edge : order) {
         EdgeRecord record = original.edges.at(edge);
-        record.srcNode = record.srcNode >= 0 ? refs.value(record.srcNode, kNowhere) : kNowhere;
-        record.dstNode = record.dstNode >= 0 ? refs.value(record.dstNode, kNowhere) : kNowhere;
+        record.srcNode =
+            record.srcNode >= 0 ? refs.value(record.srcNode, kUnreachable) : kUnreachable;
+        record.dstNode =
+            record.dstNode >= 0 ? refs.value(record.dstNode, kUnreachable) : kUnreachable;
         if (original.kindOf(edge) == EdgeKind::None) {
-            report(edge, EdgeCheck::NotRelated);
+            reportVerdict(edge, EdgeCheck::NotRelated);
         } else if (record.srcNode < 0 || record.dstNode < 0) {
             continue; // the loss of the node has been reported
         } else if (original.port(original.destinationOf(edge)).source != edge) {
-            report(edge, EdgeCheck::NoSuchPort);
+            reportVerdict(edge, EdgeCheck::NoSuchPort);
         } else {
             candidates.append(edge);
             records.append(record);
@@ -314,21 +316,25 @@ void Canonicalizer::addEdges()
         return verdict;
     };
     for (int i = 0; i < candidates.size(); ++i) {
-        // What lies inside a group now may not have been there when the edge was made.
         const EdgeCheck::Verdict verdict = add(i);
         if (verdict == EdgeCheck::Cycle)
             refused.append(i);
         else
-            report(candidates.at(i), verdict);
+            reportVerdict(candidates.at(i), verdict);
     }
+    // Edges inside a group lead the search for cycles into the group. Now that all of them are
+    // there, it may find none.
     for (const int i : qAsConst(refused))
-        report(candidates.at(i), add(i));
+        reportVerdict(candidates.at(i), add(i));
+}
 
+void Canonicalizer::checkEdgeOrder()
+{
     int last = -1;
     for (const int edge : qAsConst(canonical.edgeOrigins)) {
         if (edge < last)
-            lose("edge-order", edgeText(edge) + QLatin1String(" is written at another place"), -1,
-                 edge, false);
+            loseEdge("edge-order", edge, " is written at another position than in the edge table",
+                     false);
         last = qMax(last, edge);
     }
 }
@@ -341,7 +347,7 @@ void Canonicalizer::setTarget()
     canonical.snapshot.target = target >= 0 ? refs.value(target, -1) : -1;
     if (canonical.snapshot.target < 0) {
         canonical.snapshot.target = -1;
-        lose("target-gone", QLatin1String("the target is no node any more"), -1, -1);
+        lose("target-gone", QLatin1String("the target is not a node of the graph"), -1, -1);
     }
 }
 

@@ -10,26 +10,26 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// What a document can hold of a snapshot, as a snapshot of its own: sound, nothing removed, every
-/// node behind its parent and listed by it, every edge accepted by a graph in this order, every
-/// pass with a value of its own.
+/// The part of a snapshot that a document can hold, as a snapshot of its own: nothing is removed,
+/// every node comes after its parent and is listed by it, every pass has its own value, and a graph
+/// accepts the edges in their order.
 struct CanonicalSnapshot
 {
-    /// Something of the snapshot that is not as it was.
+    /// A difference from the original. Removed nodes and edges are not losses.
     struct Loss
     {
         QString code;
         QString text;
         int node;  ///< of the original; -1 for none
-        int edge;  ///< likewise
-        bool gone; ///< left out or another, and not just in another order
+        int edge;  ///< of the original; -1 for none
+        bool gone; ///< whether something is left out or changed; false if only the order differs
     };
 
     explicit CanonicalSnapshot(const Snapshot& original);
 
     Snapshot snapshot;
     QVector<int> origins;     ///< by node of the canonical snapshot: the node of the original
-    QVector<int> edgeOrigins; ///< by edge
+    QVector<int> edgeOrigins; ///< by edge of the canonical snapshot: the edge of the original
     QVector<Loss> losses;
 };
 

@@ -12,19 +12,20 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// Lists within lists: written and read no deeper than this.
+/// How deep lists and maps of values may be nested.
 const int kMaxValueDepth = 64;
 
-/// Puts "type" and "value" into an object as a document has them; nothing for an invalid value.
+/// Adds the keys "type" and "value" of a value to an object; none for an invalid value.
 /// \return false, and leaves the object as it was, if the value has no written form.
 bool writeValue(const QVariant& value, const ValueTypes& types, QJsonObject& object);
 
-/// Whether values of this type are lists or maps of values.
+/// Whether values of this type are lists of values: written as lists of objects with values.
 bool isValueList(const QString& type);
+/// Whether values of this type are maps of values: written as objects of such objects.
 bool isValueMap(const QString& type);
 
-/// The value of a type, other than a list or map of values, as a document has it.
-/// \return false if that is none of the type.
+/// Reads a value of a type that is not a list or map of values.
+/// \return false if the JSON is not a value of the type.
 bool readValue(const QString& type, const QJsonValue& json, const ValueTypes& types,
                QVariant& value);
 

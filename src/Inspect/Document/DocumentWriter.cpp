@@ -6,7 +6,7 @@
 
 #include "Document/CanonicalSnapshot.h"
 #include "Document/DocumentValues.h"
-#include "Rules/EdgeCheck.h"
+#include "Model/EdgeText.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -39,7 +39,7 @@ private:
     }
     QJsonArray groups(const NodeRecord& node);
     QJsonObject port(const PortRecord& port) const;
-    /// The name alone if there is nothing else to say.
+    /// A port as its name alone, if it has no other keys.
     static QJsonValue shortened(const QJsonObject& port)
     {
         return port.size() == 1 ? port.constBegin().value() : QJsonValue(port);
@@ -55,8 +55,8 @@ private:
     const Paths paths;
     const ValueTypes& types;
     QVector<Problem>* const losses;
-    /// The groups of the node that is being written: their names, and numbers where a name is not
-    /// unique.
+    /// The groups of the node that is being written, as its ports name them: by name, or by number
+    /// where several groups have the same name.
     QVector<QJsonValue> groupNames;
 };
 
@@ -162,10 +162,7 @@ QJsonArray DocumentWriter::edges() const
 {
     QJsonArray list;
     for (int i = 0; i < snapshot.edges.size(); ++i) {
-        const EdgeRecord& edge = snapshot.edges.at(i);
-        const EdgeKind kind = snapshot.kindOf(i);
-        list.append(paths.port(Snapshot::sourceOf(edge, kind)) + QLatin1String(" -> ")
-                    + paths.port(Snapshot::destinationOf(edge, kind)));
+        list.append(edgeText(paths, snapshot, i));
     }
     return list;
 }

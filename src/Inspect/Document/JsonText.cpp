@@ -23,7 +23,7 @@ bool isContinuation(char c)
     return (static_cast<uchar>(c) & 0xC0) == 0x80;
 }
 
-/// The length of the UTF-8 sequence at `offset`; 0 if there is none.
+/// The length of the UTF-8 sequence at `offset`; 0 if it is not valid.
 int sequenceLength(const QByteArray& text, int offset)
 {
     const auto byte = [&text](int i) -> uint {
@@ -36,7 +36,7 @@ int sequenceLength(const QByteArray& text, int offset)
     if (first < 0xC2 || first > 0xF4)
         return 0;
     const uint second = byte(offset + 1);
-    // No longer than needed, no half of a surrogate pair, nothing behind the last character.
+    // No overlong sequence, no half of a surrogate pair, no character after U+10FFFF.
     const uint least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
     const uint most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
     if (second < least || second > most)
@@ -48,7 +48,7 @@ int sequenceLength(const QByteArray& text, int offset)
     return length;
 }
 
-/// As QString::fromUtf8(), which drops a byte order mark.
+/// As QString::fromUtf8(), but keeps a byte order mark.
 QString decoded(const char* begin, const char* end)
 {
     const int length = static_cast<int>(end - begin);
@@ -67,7 +67,7 @@ JsonText::JsonText(QByteArray json)
         scan();
 }
 
-/// Goes through the text once, for its characters and its lines.
+/// Checks all characters, and notes the lines and columns on the way.
 bool JsonText::checkUtf8()
 {
     milestones.reserve(static_cast<std::size_t>(text.size() / kMilestone) + 1);
@@ -89,7 +89,7 @@ bool JsonText::checkUtf8()
             ++place.line;
             place.column = 1;
         } else if (offset >= pos && offset + 1 == next) {
-            ++place.column; // the byte order mark before `pos` is no character of the first line
+            ++place.column; // the byte order mark before `pos` is not counted
         }
     }
     if (milestones.empty())
@@ -110,7 +110,7 @@ Place JsonText::place(int offset) const
             ++place.line;
             place.column = 1;
         } else if (i >= start && (i + 1 == end || !isContinuation(text.at(i + 1)))) {
-            ++place.column; // behind the last byte of a character
+            ++place.column; // after the last byte of a character
         }
     }
     return place;
@@ -165,17 +165,17 @@ void JsonText::closeContainer()
 
 void JsonText::scan()
 {
-    enum { Value, FirstElement, FirstKey, Key, Behind } expected = Value;
+    enum { Value, FirstElement, FirstKey, Key, AfterValue } expected = Value;
     for (;;) {
         skipSpace();
         if ((expected == FirstElement && at(']')) || (expected == FirstKey && at('}'))) {
             closeContainer();
-            expected = Behind;
+            expected = AfterValue;
         } else if (expected == Value || expected == FirstElement) {
             const std::size_t depth = open.size();
             if (!scanValue())
                 return;
-            expected = open.size() == depth             ? Behind
+            expected = open.size() == depth             ? AfterValue
                 : items.back().kind == JsonText::Object ? FirstKey
                                                         : FirstElement;
         } else if (expected == FirstKey || expected == Key) {
@@ -194,7 +194,7 @@ void JsonText::scan()
             expected = Value;
         } else if (open.empty()) {
             if (pos < text.size())
-                fail("nothing is expected behind the document");
+                fail("nothing may follow the document");
             return;
         } else {
             const bool inObject = kind(open.back()) == Object;

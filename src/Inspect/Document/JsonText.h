@@ -16,10 +16,10 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A JSON text and where everything in it stands, which QJsonDocument does not tell.
+/// A JSON text with the place of every value, which QJsonDocument does not keep.
 ///
-/// The values are listed in the order of the text: a container is followed by what it holds, a key
-/// by its value. No recursion: a text may be nested as deep as it likes, and is refused.
+/// The values are listed in the order of the text: a container is followed by its contents, a key
+/// by its value. The text is read without recursion; one that is nested too deep is refused.
 class JsonText
 {
 public:
@@ -27,26 +27,26 @@ public:
 
     struct Item
     {
-        int begin; ///< offset of its first byte
-        int end;   ///< offset behind its last byte
-        int next;  ///< the item behind it and all that it holds
+        int begin; ///< the offset of its first byte
+        int end;   ///< the offset after its last byte
+        int next;  ///< the first item after it and its contents
         Kind kind;
     };
 
-    /// Nothing is nested deeper.
+    /// How deep objects and lists may be nested.
     static constexpr int kMaxDepth = 500;
 
     explicit JsonText(QByteArray json);
 
-    /// What is wrong with the text as JSON; an empty code if nothing is.
+    /// The first syntax error; its code is empty if the text is valid JSON.
     const Problem& problem() const { return failure; }
     Place place(int offset) const;
 
-    /// The document is item 0.
+    /// The whole document is item 0.
     const Item& item(int index) const { return items[static_cast<std::size_t>(index)]; }
     int numItems() const { return static_cast<int>(items.size()); }
     Kind kind(int index) const { return item(index).kind; }
-    /// What stands in a string.
+    /// The text of a string or a key, without escapes.
     QString string(int index) const;
     QJsonValue value(int index) const;
 
@@ -69,9 +69,9 @@ private:
 
     QByteArray text;
     Problem failure;
-    std::vector<Place> milestones; // the place of every so many bytes
+    std::vector<Place> milestones; // the place of every kMilestone-th byte
     std::vector<Item> items;
-    std::vector<int> open; // the containers around `pos`
+    std::vector<int> open; // the open containers around `pos`
     int pos = 0;
 };
 

@@ -124,11 +124,11 @@ TEST(DocumentProblems, AreAllToldAtOnceInTheirOrder)
 5:14 unknown-parent: "Glow/Blur": no entry before this one is the group "Glow"
 6:92 missing-type: only strings, true and false need no "type"
 6:98 unknown-key: there is no key "output" here, only enabled, groups, inputs, outputs, pass, path, value
-7:14 duplicate-path: "Tone" is in line 6 already; several of one name are numbered, from "Tone[0]"
+7:14 duplicate-path: "Tone" is already in line 6; number the nodes of one name, starting with "Tone[0]"
 10:5 unknown-port: "Angle -> Bloom.Angel": "Bloom" has no input "Angel"
 13:5 unrelated-nodes: "Bloom/Blur.Color -> Tone.Color": the nodes are neither siblings nor a group and its child
 15:5 unknown-node: "Bloom.Color -> Ton.Color": there is no node "Ton"
-19:66 wrong-value: this is no value of type "int"
+19:66 wrong-value: this is not a value of type "int"
 20:11 unknown-node: target: there is no node "Bloom/Glow"
 )");
 }
@@ -159,7 +159,7 @@ TEST(DocumentProblems, CountColumnsInCharacters)
 TEST(DocumentProblems, TellWhatFollowsTheDocument)
 {
     EXPECT_EQ(problemsOf(R"("name":"x"} true {)"),
-              R"(2:13 syntax: nothing is expected behind the document)"
+              R"(2:13 syntax: nothing may follow the document)"
               "\n");
 }
 
@@ -168,7 +168,7 @@ TEST(DocumentProblems, TellKeysThatStandTwice)
     EXPECT_EQ(problemsOf(R"("name":"a",)"
                          "\n"
                          R"(  "name":"b")"),
-              R"(3:3 duplicate-key: the key "name" is here already)"
+              R"(3:3 duplicate-key: the object already has a key "name")"
               "\n");
 }
 
@@ -178,7 +178,7 @@ TEST(DocumentProblems, TellKeysThatStandTwiceInAValue)
         problemsOf(R"("parameters":[{"name":"a","type":"QVariantMap","value":{"k":{"value":"1"},)"
                    "\n"
                    R"("k":{"value":"2"}}}])"),
-        R"(3:1 duplicate-key: the key "k" is here already)"
+        R"(3:1 duplicate-key: the object already has a key "k")"
         "\n");
 }
 
@@ -288,11 +288,11 @@ TEST(DocumentProblems, TellPathsThatStandTwice)
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A"},)"
                          "\n"
                          R"({"path":"A"},{"path":"A"}])"),
-              R"(3:9 duplicate-path: "A" is in line 2 already; several of one name are )"
-              R"(numbered, from "A[0]")"
+              R"(3:9 duplicate-path: "A" is already in line 2; number the nodes of )"
+              R"(one name, starting with "A[0]")"
               "\n"
-              R"(3:22 duplicate-path: "A" is in line 2 already; several of one name are )"
-              R"(numbered, from "A[0]")"
+              R"(3:22 duplicate-path: "A" is already in line 2; number the nodes of )"
+              R"(one name, starting with "A[0]")"
               "\n");
 }
 
@@ -301,8 +301,8 @@ TEST(DocumentProblems, TellNothingOfTheNodesWithinARepeatedOne)
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A"},{"path":"A/B"},)"
                          "\n"
                          R"({"path":"A"},{"path":"A/B"}])"),
-              R"(3:9 duplicate-path: "A" is in line 2 already; several of one name are )"
-              R"(numbered, from "A[0]")"
+              R"(3:9 duplicate-path: "A" is already in line 2; number the nodes of )"
+              R"(one name, starting with "A[0]")"
               "\n");
 }
 
@@ -336,7 +336,7 @@ TEST(DocumentProblems, TellNumbersOutOfOrder)
 TEST(DocumentProblems, TellValuesThatWouldNameAPass)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","value":0},{"path":"B","pass":""}])"),
-              R"(2:30 value-names-pass: the value 0 is the number of a pass: they are )"
+              R"(2:30 value-names-pass: the value 0 is the number of a pass: passes are )"
               R"(numbered from 0 to 0)"
               "\n");
 }
@@ -344,14 +344,14 @@ TEST(DocumentProblems, TellValuesThatWouldNameAPass)
 TEST(DocumentProblems, TellDisabledGroups)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","enabled":false}])"),
-              R"(2:32 misplaced-key: only passes are enabled or disabled)"
+              R"(2:32 misplaced-key: only passes can be enabled or disabled)"
               "\n");
 }
 
 TEST(DocumentProblems, TellPassesWithAValue)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","pass":"","value":2}])"),
-              R"(2:40 misplaced-key: the value of a pass is its number and not written)"
+              R"(2:40 misplaced-key: only groups have a "value"; passes are numbered in order)"
               "\n");
 }
 
@@ -359,7 +359,7 @@ TEST(DocumentProblems, TellGroupsWithADefault)
 {
     EXPECT_EQ(
         problemsOf(R"("nodes":[{"path":"A","inputs":[{"name":"x","default":{"value":true}}]}])"),
-        R"(2:54 misplaced-key: only inputs of passes have a default value)"
+        R"(2:54 misplaced-key: only inputs of passes can have a default value)"
         "\n");
 }
 
@@ -390,7 +390,7 @@ TEST(DocumentProblems, TellGroupsOfOneName)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","groups":["g","g"],"inputs":[{"name":"x",)"
                          R"("group":"g"}]}])"),
-              R"(2:71 ambiguous-group: several groups are called "g": give its number)"
+              R"(2:71 ambiguous-group: several groups are called "g": give the number of one)"
               "\n");
 }
 
@@ -407,9 +407,9 @@ TEST(DocumentProblems, TellValuesOutOfRange)
         problemsOf(R"("parameters":[{"name":"A","type":"int","value":3000000000},)"
                    "\n"
                    R"({"name":"B","type":"QVariantList","value":[{"type":"uint","value":-1}]}])"),
-        R"(2:48 wrong-value: this is no value of type "int")"
+        R"(2:48 wrong-value: this is not a value of type "int")"
         "\n"
-        R"(3:67 wrong-value: this is no value of type "uint")"
+        R"(3:67 wrong-value: this is not a value of type "uint")"
         "\n");
 }
 
@@ -478,7 +478,7 @@ TEST(DocumentProblems, TellPortsOfOneName)
               R"(3:10 ambiguous-port: "A.x -> o": "A" has several outputs called "x": give )"
               R"(a number, as in "x[0]")"
               "\n"
-              R"(3:21 unknown-port: "A.x[2] -> o": "A" has no output "x" of number 2)"
+              R"(3:21 unknown-port: "A.x[2] -> o": "A" has no output "x[2]")"
               "\n");
 }
 
@@ -499,7 +499,7 @@ TEST(DocumentProblems, TellInputsFedTwice)
         problemsOf(R"("nodes":[{"path":"A","outputs":["x","z"]},{"path":"B","inputs":["y"]}],)"
                    "\n"
                    R"("edges":["A.x -> B.y","A.z -> B.y"])"),
-        R"(3:23 already-fed: "A.z -> B.y": B.y is fed by A.x already)"
+        R"(3:23 already-fed: "A.z -> B.y": B.y is already fed by A.x)"
         "\n");
 }
 
@@ -509,8 +509,8 @@ TEST(DocumentProblems, TellOutputsThatLeaveTheirGroup)
                          R"("outputs":["o"],)"
                          "\n"
                          R"("edges":["A.x -> o","A.x -> B.y"])"),
-              R"(3:21 leaves-group: "A.x -> B.y": A.x feeds o of its group first; list its )"
-              R"(edges to siblings before)"
+              R"(3:21 leaves-group: "A.x -> B.y": A.x already feeds o of its group; list its )"
+              R"(edges to siblings before that one)"
               "\n");
 }
 
@@ -523,7 +523,7 @@ TEST(DocumentProblems, TellACycleAtAGroup)
                          R"("edges":["A.o -> G.i","G.i -> G/B.i","G/B.o -> G.o",)"
                          "\n"
                          R"("G.o -> A.i"])"),
-              R"(4:1 cycle: "G.o -> A.i": it closes the cycle G.o -> A.i -> A.o -> G.i -> )"
+              R"(4:1 cycle: "G.o -> A.i": this edge closes the cycle G.o -> A.i -> A.o -> G.i -> )"
               R"(G.o)"
               "\n");
 }
@@ -532,7 +532,7 @@ TEST(DocumentProblems, TellEdgesFromANodeToItself)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["i"],"outputs":["o"]}],)"
                          R"("edges":["A.o -> A.i"])"),
-              R"(2:64 cycle: "A.o -> A.i": it closes the cycle A.o -> A.i -> A.o)"
+              R"(2:64 cycle: "A.o -> A.i": this edge closes the cycle A.o -> A.i -> A.o)"
               "\n");
 }
 
@@ -550,7 +550,7 @@ TEST(DocumentProblems, TellOutputsFedTwice)
                          R"("outputs":["o"],)"
                          "\n"
                          R"("edges":["A.x -> o","B.x -> o"])"),
-              R"(3:21 already-fed: "B.x -> o": o is fed by A.x already)"
+              R"(3:21 already-fed: "B.x -> o": o is already fed by A.x)"
               "\n");
 }
 
@@ -559,7 +559,7 @@ TEST(DocumentProblems, TellInputsFedTwiceFromOutside)
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["x"]}],"parameters":["p","q"],)"
                          "\n"
                          R"("edges":["p -> A.x","q -> A.x"])"),
-              R"(3:21 already-fed: "q -> A.x": A.x is fed by p already)"
+              R"(3:21 already-fed: "q -> A.x": A.x is already fed by p)"
               "\n");
 }
 
@@ -572,7 +572,7 @@ TEST(DocumentProblems, TellTheWayOfACycleThroughGroups)
                          R"("edges":["A.o -> G.i","G.i -> G/B.i","G/B.o -> G.o","G.o -> C.i",)"
                          "\n"
                          R"("C.o -> A.i"])"),
-              R"(4:1 cycle: "C.o -> A.i": it closes the cycle C.o -> A.i -> A.o -> G.i -> )"
+              R"(4:1 cycle: "C.o -> A.i": this edge closes the cycle C.o -> A.i -> A.o -> G.i -> )"
               R"(G/B.i -> G/B.o -> G.o -> C.i -> C.o)"
               "\n");
 }

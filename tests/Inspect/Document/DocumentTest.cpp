@@ -233,7 +233,7 @@ TEST(DocumentValues, ThatAConverterDoesNotTakeAreAProblem)
         [](const QJsonValue&) { return QVariant(); });
     const QByteArray text = documentOf(R"("parameters":[{"name":"P","type":"Shade","value":1}])");
     EXPECT_EQ(listed(readDocument(text, types).problems),
-              "2:50 wrong-value: this is no value of type \"Shade\"\n");
+              "2:50 wrong-value: this is not a value of type \"Shade\"\n");
 }
 
 TEST(DocumentValues, ThatCannotBeWrittenAreLost)
@@ -319,7 +319,9 @@ TEST(DocumentLosses, TellEdgesWhosePortsHaveMoved)
     groups.graph.addInput(b, QStringLiteral("j"), -1);
     groups.graph.addEdge(a, 0, b, 1);
     groups.graph.removeInput(b, 0);
-    EXPECT_EQ(groups.losses(), "0:0 stray-edge: A.o -> B.[no input 1] has lost a port\n");
+    EXPECT_EQ(
+        groups.losses(),
+        "0:0 stray-edge: A.o -> B.[no input 1] names a port that has been removed or has moved\n");
 }
 
 TEST(DocumentLosses, TellASharedPass)
@@ -330,7 +332,7 @@ TEST(DocumentLosses, TellASharedPass)
     renderer.getGraph()->setNodeValue(b, renderer.getGraph()->nodeValue(a));
     QVector<Problem> losses;
     writeDocument(Snapshot::of(renderer), &losses);
-    EXPECT_EQ(listed(losses), "0:0 shared-pass: B has a pass that another node has as well\n");
+    EXPECT_EQ(listed(losses), "0:0 shared-pass: B has the same pass as another node\n");
 }
 
 TEST(DocumentLosses, TellAValueThatWouldNameAPass)
@@ -340,7 +342,8 @@ TEST(DocumentLosses, TellAValueThatWouldNameAPass)
     renderer.addPass(QStringLiteral("A"), new StandInPass(NodeRecord()), 0);
     QVector<Problem> losses;
     const QByteArray text = writeDocument(Snapshot::of(renderer), &losses);
-    EXPECT_EQ(listed(losses), "0:0 node-value: Null has the value 0, which would name a pass\n");
+    EXPECT_EQ(listed(losses),
+              "0:0 node-value: Null has the value 0, which is the number of a pass\n");
     EXPECT_EQ(listed(readDocument(text).problems), "");
 }
 
@@ -377,7 +380,7 @@ TEST(DocumentLosses, TellATargetThatIsGone)
     const int a = groups.add("A");
     groups.renderer.setTarget(a);
     groups.graph.removeNode(a);
-    EXPECT_EQ(groups.losses(), "0:0 target-gone: the target is no node any more\n");
+    EXPECT_EQ(groups.losses(), "0:0 target-gone: the target is not a node of the graph\n");
 }
 
 TEST(DocumentLosses, TellParametersAndOutputsWithoutPort)
@@ -389,7 +392,7 @@ TEST(DocumentLosses, TellParametersAndOutputsWithoutPort)
     groups.graph.addOutput(0, QStringLiteral("Q"), -1);
     EXPECT_EQ(groups.losses(),
               "0:0 parameter-mismatch: the renderer has 1 parameters, but its root has 0 inputs\n"
-              "0:0 output-mismatch: the renderer has 1 outputs, but its root has 2 of them\n");
+              "0:0 output-mismatch: the renderer has 1 outputs, but its root has 2\n");
 }
 
 TEST(DocumentLosses, TellEdgesThatAreWrittenInAnotherOrder)
@@ -404,7 +407,8 @@ TEST(DocumentLosses, TellEdgesThatAreWrittenInAnotherOrder)
     groups.graph.addUpEdge(0, a, 0);
     groups.graph.addEdge(a, 0, c, 0);
     groups.graph.removeEdge(first);
-    EXPECT_EQ(groups.losses(), "0:0 edge-order: A.o -> O is written at another place\n");
+    EXPECT_EQ(groups.losses(),
+              "0:0 edge-order: A.o -> O is written at another position than in the edge table\n");
     EXPECT_TRUE(groups.document.simplified().contains("\"A.o -> C.i\", \"A.o -> O\""));
 }
 

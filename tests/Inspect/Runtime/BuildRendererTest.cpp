@@ -164,7 +164,7 @@ TEST(BuildRenderer, TellsWhatIsWrongWithASnapshotMadeByHand)
     read.snapshot.edges.append(back);
     Renderer renderer;
     EXPECT_EQ(listed(buildRenderer(read.snapshot, renderer, counting(), read.places)),
-              "0:0 cycle: B.o -> A.i closes a cycle that a graph refuses in this order\n");
+              "0:0 cycle: B.o -> A.i closes a cycle, so a graph refuses it\n");
     EXPECT_TRUE(isEmpty(renderer));
     EXPECT_EQ(passesAlive, 0);
 }
