@@ -4,43 +4,42 @@
 #ifndef KESTRIN_ORV_PROGRAM_ARGUMENTS_H
 #define KESTRIN_ORV_PROGRAM_ARGUMENTS_H
 
-#include "Command.h"
-
 #include <QtCore/QHash>
 #include <QtCore/QStringList>
+#include <QtCore/QVector>
 
 namespace Kestrin::Orv::Program {
 
-/// What stands on the command line behind the name of a command.
+struct Command;
+struct Option;
+
+/// The command line after the name of the command.
 class Arguments
 {
 public:
-    /// Throws a Misuse if the command does not take them.
+    /// Throws a UsageError if the command does not accept these words.
     Arguments(const Command& command, const QStringList& words);
 
     bool has(const char* option) const;
-    /// The value of an option; the last one if it stands there several times, empty without it.
+    /// The value of an option: the last one if the option is repeated, empty without the option.
     QString value(const char* option) const;
-    /// The values of an option in their order.
+    /// All values of an option, in order.
     QStringList values(const char* option) const;
-    /// The value of an option as a number; \p otherwise without the option. Throws a Misuse if it
-    /// is no number from \p minimum to a million.
-    int number(const char* option, int minimum, int otherwise) const;
+    /// The value of an option as a number; \p defaultValue without the option. Throws a UsageError
+    /// if the value is not a number from \p minimum to a million.
+    int number(const char* option, int minimum, int defaultValue) const;
 
     bool json() const { return has("json"); }
     bool help() const { return has("help"); }
-    /// What is no option.
-    const QStringList& plain() const { return plainWords; }
-    /// What is no option; "-" where nothing stands.
-    QString plain(int index) const;
+    const QStringList& positionals() const { return positionalWords; }
+    /// One of the positional arguments; "-" if it is left out.
+    QString positional(int index) const;
 
 private:
-    const Option& find(const QString& name) const;
-    const Option& find(QChar letter) const;
+    void readOptions(const QVector<Option>& known, const QStringList& words);
 
-    QVector<Option> known;
-    QHash<QString, QStringList> given;
-    QStringList plainWords;
+    QHash<QString, QStringList> given; ///< values of options, by the names of the options
+    QStringList positionalWords;
 };
 
 } // namespace Kestrin::Orv::Program

@@ -4,7 +4,6 @@
 #ifndef KESTRIN_ORV_PROGRAM_COMMAND_H
 #define KESTRIN_ORV_PROGRAM_COMMAND_H
 
-#include <QtCore/QString>
 #include <QtCore/QVector>
 
 namespace Kestrin::Orv::Program {
@@ -12,48 +11,39 @@ namespace Kestrin::Orv::Program {
 class Arguments;
 class Output;
 
-/// What the program exits with.
-enum ExitCode { kFine = 0, kFound = 1, kTrouble = 2 };
+/// The exit status of the program.
+enum ExitCode { kSuccess = 0, kFound = 1, kError = 2 };
 
 /// An option of a command.
 struct Option
 {
-    QString name;           ///< without the dashes
-    QString value;          ///< what the help calls its value; empty if it takes none
-    QString text;           ///< one line for the help
-    QChar letter = QChar(); ///< its short form; null for none
+    const char* name;   ///< without the dashes
+    const char* value;  ///< the name of its value in the help; null if it takes none
+    const char* text;   ///< one line for the help
+    char letter = '\0'; ///< the short form; null for none
 };
 
-/// A command of the program. All that people read about it stands in its source.
+/// The positional arguments of a command.
+struct Positionals
+{
+    const char* usage; ///< as the help shows them, such as "[FILE]"
+    int minimum;       ///< how many there must be
+    int maximum;       ///< how many there may be
+};
+
+/// A command of the program: the texts of its help, its options, and the function that runs it.
 struct Command
 {
-    QString name;
-    QString usage;           ///< what follows the name and the options, such as "[FILE]"
-    QString summary;         ///< one line
-    QString text;            ///< more, in lines; may be empty
-    QVector<Option> options; ///< beside --json and --help, which all commands have
-    int minArguments;
-    int maxArguments;
-    QString exitCodes; ///< what 0 and 1 mean
-    QString example;   ///< a command line and what it prints, as in a terminal
+    const char* name;
+    const char* summary; ///< one line
     int (*run)(const Arguments& arguments, Output& output);
+    Positionals positionals;
+    QVector<Option> options;
+    const char* details; ///< complete lines; may be empty
+    const char* success; ///< the meaning of exit status 0
+    const char* found;   ///< the meaning of exit status 1; null if it does not occur
+    const char* example; ///< a command line and its output, as in a terminal
 };
-
-/// Every command, in the order of the help.
-const QVector<const Command*>& commands();
-/// The command of a name; null if there is none.
-const Command* findCommand(const QString& name);
-/// The options of a command, with those that all have.
-QVector<Option> allOptions(const Command& command);
-
-const Command& lintCommand();
-const Command& orderCommand();
-const Command& explainCommand();
-const Command& dotCommand();
-const Command& pictureCommand();
-const Command& reportCommand();
-const Command& diffCommand();
-const Command& runCommand();
 
 } // namespace Kestrin::Orv::Program
 

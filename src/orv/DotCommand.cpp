@@ -3,6 +3,7 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
 #include "Input.h"
 #include "Output.h"
 
@@ -12,33 +13,14 @@
 
 namespace Kestrin::Orv::Program {
 
-namespace {
-
-int run(const Arguments& arguments, Output& output)
+int runDot(const Arguments& arguments, Output& output)
 {
-    const QByteArray dot = Inspect::toGraphviz(readInput(arguments.plain(0)).snapshot);
+    const QByteArray dot = Inspect::toGraphviz(readInput(arguments.positional(0)).snapshot);
     if (arguments.json())
         output.write(QJsonObject{{QStringLiteral("dot"), QString::fromUtf8(dot)}});
     else
         output.write(dot);
-    return kFine;
-}
-
-} // namespace
-
-const Command& dotCommand()
-{
-    static const Command command{QStringLiteral("dot"),
-                                 QStringLiteral("[FILE]"),
-                                 QStringLiteral("Write a graph as Graphviz text"),
-                                 QString(),
-                                 {},
-                                 0,
-                                 1,
-                                 QStringLiteral("0 for a text"),
-                                 QStringLiteral("$ orv dot scene.json >scene.dot\n"),
-                                 run};
-    return command;
+    return kSuccess;
 }
 
 } // namespace Kestrin::Orv::Program

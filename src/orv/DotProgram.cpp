@@ -3,7 +3,7 @@
 
 #include "DotProgram.h"
 
-#include "Trouble.h"
+#include "Errors.h"
 
 #include <QtCore/QProcess>
 #include <QtCore/QStandardPaths>
@@ -23,21 +23,21 @@ QByteArray DotProgram::draw(const QByteArray& text, const QString& format, int t
     process.closeWriteChannel();
     if (!process.waitForFinished(timeoutSeconds * 1000)) {
         if (process.error() != QProcess::Timedout)
-            throw Failure(QLatin1String("dot: ") + process.errorString());
+            throw SystemError(QLatin1String("dot: ") + process.errorString());
         process.kill();
         process.waitForFinished();
-        throw Failure(QLatin1String("dot has not finished within ")
-                      + QString::number(timeoutSeconds) + QLatin1String(" s"));
+        throw SystemError(QLatin1String("dot did not finish within ")
+                          + QString::number(timeoutSeconds) + QLatin1String(" s"));
     }
     if (process.exitStatus() != QProcess::NormalExit)
-        throw Failure(QStringLiteral("dot has crashed"));
+        throw SystemError(QStringLiteral("dot crashed"));
     if (process.exitCode() != 0) {
-        const QByteArray said = process.readAllStandardError();
-        QString told =
-            QLatin1String("dot has failed with exit code ") + QString::number(process.exitCode());
-        if (!said.isEmpty())
-            told += QLatin1String(": ") + QString::fromUtf8(said.left(said.indexOf('\n')));
-        throw Failure(told);
+        const QByteArray messages = process.readAllStandardError();
+        QString text =
+            QLatin1String("dot failed with exit code ") + QString::number(process.exitCode());
+        if (!messages.isEmpty())
+            text += QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));
+        throw SystemError(text);
     }
     return process.readAllStandardOutput();
 }

@@ -9,14 +9,14 @@
 
 namespace Kestrin::Orv::Program {
 
-/// Graphviz's program dot. Throws a Failure where it does not do what it should.
+/// Graphviz's program dot. Throws a SystemError if the program fails.
 class DotProgram
 {
 public:
-    /// Looks for it in PATH.
+    /// Searches PATH for the program.
     DotProgram();
     bool isInstalled() const { return !program.isEmpty(); }
-    /// Draws a text in a format such as "svg".
+    /// Draws Graphviz text in a format such as "svg".
     QByteArray draw(const QByteArray& text, const QString& format, int timeoutSeconds) const;
 
 private:

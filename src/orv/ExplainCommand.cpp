@@ -3,10 +3,10 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
 #include "Input.h"
-#include "Names.h"
 #include "Output.h"
-#include "Trouble.h"
+#include "PathResolver.h"
 
 #include <Kestrin/Orv/Inspect/Explain.h>
 
@@ -28,17 +28,17 @@ using Inspect::Snapshot;
 
 namespace {
 
-/// What a command line asks, answered.
+/// The answer to a command line.
 struct Answer
 {
     QString text;
     QJsonObject json;
-    ExitCode code = kFine;
+    ExitCode code = kSuccess;
 };
 
-// Every pass
+// All passes
 
-void overview(const Document& document, const Arguments& arguments, Output& output)
+void listPasses(const Document& document, const Arguments& arguments, Output& output)
 {
     const Snapshot& snapshot = document.snapshot;
     const Schedule schedule = Inspect::predictSchedule(snapshot);
@@ -77,18 +77,19 @@ void overview(const Document& document, const Arguments& arguments, Output& outp
 Answer explainNode(const Explainer& explainer, int node)
 {
     const NodeExplanation explanation = explainer.node(node);
-    const bool stands = explanation.state == NodeExplanation::Disabled
+    const bool doesNotRun = explanation.state == NodeExplanation::Disabled
         || explanation.state == NodeExplanation::NotNeeded;
-    return {explainer.toText(explanation), explainer.toJson(explanation), stands ? kFound : kFine};
+    return {explainer.toText(explanation), explainer.toJson(explanation),
+            doesNotRun ? kFound : kSuccess};
 }
 
 Answer explainInput(const Explainer& explainer, const PortRef& input)
 {
     const InputExplanation explanation = explainer.input(input.node, input.index);
-    return {explainer.toText(explanation), explainer.toJson(explanation), kFine};
+    return {explainer.toText(explanation), explainer.toJson(explanation), kSuccess};
 }
 
-/// An output is the pass's that produces it: tells which one, and why that pass runs or does not.
+/// Names the pass that produces the output, and explains why that pass runs or does not run.
 Answer explainOutput(const Snapshot& snapshot, const Explainer& explainer, const PortRef& output)
 {
     const QString path = explainer.paths().port(output);
@@ -102,18 +103,18 @@ Answer explainOutput(const Snapshot& snapshot, const Explainer& explainer, const
                : snapshot.node(output.node).pass ? QLatin1String("a pass")
                                                  : QLatin1String("a group"));
     if (!isProduced)
-        return {text + QLatin1String(" that no pass produces.\n"), json, kFound};
+        return {text + QLatin1String(". No pass produces it.\n"), json, kFound};
 
     const Answer pass = explainNode(explainer, producer.node);
     const QVector<int> users = explainer.schedule().users.value(producer.node);
     if (producer != output) {
         const QString producerPath = explainer.paths().port(producer);
-        text += QLatin1String(" that takes the value of ") + producerPath;
+        text += QLatin1String(". Its value comes from ") + producerPath;
         json.insert(QStringLiteral("producer"), producerPath);
     }
     if (!users.isEmpty()) {
         const int count = users.value(producer.index);
-        text += QLatin1String(producer != output ? ", which has " : " that has ")
+        text += QLatin1String(producer != output ? ", which has " : " and has ")
             + QString::number(count) + QLatin1String(count == 1 ? " user" : " users");
         json.insert(QStringLiteral("users"), count);
     }
@@ -123,7 +124,7 @@ Answer explainOutput(const Snapshot& snapshot, const Explainer& explainer, const
 
 // A new edge
 
-/// Whether an edge may run between two ports by where their nodes lie.
+/// Whether the positions of two nodes in the hierarchy allow an edge between their ports.
 bool areRelated(const Snapshot& snapshot, const PortRef& from, const PortRef& to)
 {
     const int fromParent = snapshot.node(from.node).parent;
@@ -137,7 +138,7 @@ Answer explainEdge(const Explainer& explainer, const PortRef& from, const PortRe
 {
     const EdgeExplanation explanation = explainer.edge(from, to);
     return {explainer.toText(explanation), explainer.toJson(explanation),
-            explanation.rule == EdgeExplanation::Accepted ? kFine : kFound};
+            explanation.rule == EdgeExplanation::Accepted ? kSuccess : kFound};
 }
 
 PortRef firstOf(const QVector<PortRef>& ports, bool isOutput)
@@ -148,12 +149,12 @@ PortRef firstOf(const QVector<PortRef>& ports, bool isOutput)
     return port == ports.end() ? PortRef() : *port;
 }
 
-/// Where an input and an output share a path, the one is meant that goes with the other end.
-Answer explainEdge(const Snapshot& snapshot, const Explainer& explainer, const Names& names,
-                   const QString& fromPath, const QString& toPath)
+/// If an input and an output share a path, chooses the one that fits the other end of the edge.
+Answer explainEdge(const Snapshot& snapshot, const Explainer& explainer,
+                   const PathResolver& resolver, const QString& fromPath, const QString& toPath)
 {
-    const QVector<PortRef> sources = names.ports(fromPath);
-    const QVector<PortRef> destinations = names.ports(toPath);
+    const QVector<PortRef> sources = resolver.resolvePorts(fromPath);
+    const QVector<PortRef> destinations = resolver.resolvePorts(toPath);
     bool leavesOutput = firstOf(sources, true).node >= 0;
     bool entersOutput = firstOf(destinations, false).node < 0;
     for (const bool isOutput : {true, false}) {
@@ -166,41 +167,43 @@ Answer explainEdge(const Snapshot& snapshot, const Explainer& explainer, const N
             }
         }
     }
-    return explainEdge(explainer, names.onePort(fromPath, sources, leavesOutput),
-                       names.onePort(toPath, destinations, entersOutput));
+    return explainEdge(explainer, resolver.singlePort(fromPath, sources, leavesOutput),
+                       resolver.singlePort(toPath, destinations, entersOutput));
 }
 
-/// All that one path means, as nodes, inputs and outputs may share it.
+/// Explains everything that the path names: a node, an input and an output may share one path.
 QVector<Answer> explainPath(const Snapshot& snapshot, const Explainer& explainer,
-                            const Names& names, const QString& path)
+                            const PathResolver& resolver, const QString& path)
 {
-    const Names::Meaning meaning = names.anything(path);
+    const PathResolver::Match match = resolver.resolve(path);
     QVector<Answer> answers;
-    if (meaning.node >= 0)
-        answers.append(explainNode(explainer, meaning.node));
-    if (meaning.input.node >= 0)
-        answers.append(explainInput(explainer, meaning.input));
-    if (meaning.output.node >= 0)
-        answers.append(explainOutput(snapshot, explainer, meaning.output));
+    if (match.node >= 0)
+        answers.append(explainNode(explainer, match.node));
+    if (match.input.node >= 0)
+        answers.append(explainInput(explainer, match.input));
+    if (match.output.node >= 0)
+        answers.append(explainOutput(snapshot, explainer, match.output));
     return answers;
 }
 
-int run(const Arguments& arguments, Output& output)
+} // namespace
+
+int runExplain(const Arguments& arguments, Output& output)
 {
-    const Document document = readInput(arguments.plain(0));
-    const QStringList& words = arguments.plain();
+    const Document document = readInput(arguments.positional(0));
+    const QStringList& words = arguments.positionals();
     if (words.size() == 1) {
-        overview(document, arguments, output);
-        return kFine;
+        listPasses(document, arguments, output);
+        return kSuccess;
     }
 
     const Explainer explainer(document.snapshot);
-    const Names names(document.name, document.snapshot, explainer.paths());
+    const PathResolver resolver(document.name, document.snapshot, explainer.paths());
     const QVector<Answer> answers = words.size() == 2
-        ? explainPath(document.snapshot, explainer, names, words.at(1))
+        ? explainPath(document.snapshot, explainer, resolver, words.at(1))
         : QVector<Answer>{
-            explainEdge(document.snapshot, explainer, names, words.at(1), words.at(2))};
-    ExitCode code = kFine;
+            explainEdge(document.snapshot, explainer, resolver, words.at(1), words.at(2))};
+    ExitCode code = kSuccess;
     QJsonArray objects;
     for (const Answer& answer : answers) {
         code = qMax(code, answer.code);
@@ -211,38 +214,6 @@ int run(const Arguments& arguments, Output& output)
     if (arguments.json())
         output.write(QJsonObject{{QStringLiteral("answers"), objects}});
     return code;
-}
-
-} // namespace
-
-const Command& explainCommand()
-{
-    static const Command command{
-        QStringLiteral("explain"),
-        QStringLiteral("FILE [NODE | NODE.PORT | FROM TO]"),
-        QStringLiteral("Tell why passes run or not, and where values come from"),
-        QStringLiteral(
-            "  NODE       why the pass runs, or why it does not\n"
-            "  NODE.PORT  where the value of an input comes from, or which pass produces an "
-            "output\n"
-            "  FROM TO    whether the graph would take an edge between two ports, and if not, why\n"
-            "\n"
-            "Without any of them, a line for each pass, parted by tabs: its position in the order "
-            "of\n"
-            "execution, its path, and whether it runs.\n"),
-        {},
-        1,
-        3,
-        QStringLiteral("0 for a pass that runs and an edge that is taken, 1 for others"),
-        QStringLiteral(
-            "$ orv explain scene.json Grain\n"
-            "Grain does not run: it is disabled. The renderer's output Picture leads to it:\n"
-            "  output Picture\n"
-            "  output Tone.image\n"
-            "  input Tone.grain\n"
-            "  output Grain.noise\n"),
-        run};
-    return command;
 }
 
 } // namespace Kestrin::Orv::Program

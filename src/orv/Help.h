@@ -4,13 +4,15 @@
 #ifndef KESTRIN_ORV_PROGRAM_HELP_H
 #define KESTRIN_ORV_PROGRAM_HELP_H
 
-#include "Command.h"
+#include <QtCore/QString>
 
 namespace Kestrin::Orv::Program {
 
-/// What the program does, and its commands.
+struct Command;
+
+/// The purpose of the program and its commands.
 QString help();
-/// What a command does, its options and an example.
+/// The purpose of a command, its options, its exit statuses and an example.
 QString help(const Command& command);
 
 } // namespace Kestrin::Orv::Program

@@ -3,7 +3,7 @@
 
 #include "Input.h"
 
-#include "Trouble.h"
+#include "Errors.h"
 
 #include <QtCore/QFile>
 
@@ -13,18 +13,19 @@ namespace Kestrin::Orv::Program {
 
 Document readInput(const QString& file)
 {
-    const QString name = shownName(file);
+    const bool isStandardInput = file == QLatin1String("-");
+    const QString name = isStandardInput ? QStringLiteral("<stdin>") : file;
     QFile source(file);
-    const bool isOpen = file == QLatin1String("-")
+    const bool isOpen = isStandardInput
         ? source.open(STDIN_FILENO, QIODevice::ReadOnly, QFileDevice::DontCloseHandle)
         : source.open(QIODevice::ReadOnly);
     const QByteArray bytes = isOpen ? source.readAll() : QByteArray();
     if (source.error() != QFileDevice::NoError)
-        throw BadInput(name, "unreadable", source.errorString());
+        throw InputError(name, "unreadable", source.errorString());
 
     const Inspect::ReadResult result = Inspect::readDocument(bytes);
     if (!result.problems.isEmpty())
-        throw BadInput(name, result.problems);
+        throw InputError(name, result.problems);
     return {name, result.snapshot, result.places};
 }
 

@@ -11,12 +11,13 @@ namespace Kestrin::Orv::Program {
 /// A document that was read.
 struct Document
 {
-    QString name; ///< how messages call it
+    QString name; ///< the name in messages: the file, or <stdin>
     Inspect::Snapshot snapshot;
     Inspect::Places places;
 };
 
-/// Reads a document; "-" is standard input. Throws a BadInput if there is anything wrong with it.
+/// Reads a document; "-" is standard input. Throws an InputError if the file cannot be read or the
+/// document has errors.
 Document readInput(const QString& file);
 
 } // namespace Kestrin::Orv::Program

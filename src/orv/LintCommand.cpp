@@ -3,9 +3,10 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
 #include "Input.h"
+#include "Messages.h"
 #include "Output.h"
-#include "Trouble.h"
 
 #include <Kestrin/Orv/Inspect/Lint.h>
 
@@ -59,13 +60,15 @@ void writeCodes(const Arguments& arguments, Output& output)
         output.write(QJsonObject{{QStringLiteral("codes"), all}});
 }
 
-int run(const Arguments& arguments, Output& output)
+} // namespace
+
+int runLint(const Arguments& arguments, Output& output)
 {
     if (arguments.has("codes")) {
         writeCodes(arguments, output);
-        return kFine;
+        return kSuccess;
     }
-    const Document document = readInput(arguments.plain(0));
+    const Document document = readInput(arguments.positional(0));
     const QVector<Finding> findings = Inspect::lint(document.snapshot);
     if (arguments.json()) {
         const Paths paths(document.snapshot);
@@ -75,30 +78,10 @@ int run(const Arguments& arguments, Output& output)
         output.write(QJsonObject{{QStringLiteral("findings"), all}});
     } else {
         for (const Finding& finding : findings)
-            output.write(message(document.name, placeOf(finding, document.places), finding.code,
-                                 finding.text));
+            output.write(messageLine(document.name, placeOf(finding, document.places), finding.code,
+                                     finding.text));
     }
-    return findings.isEmpty() ? kFine : kFound;
-}
-
-} // namespace
-
-const Command& lintCommand()
-{
-    static const Command command{
-        QStringLiteral("lint"),
-        QStringLiteral("[FILE]"),
-        QStringLiteral("Tell what is allowed in a graph but seldom meant"),
-        QStringLiteral("A line for each finding: file:line:column: code: text\n"),
-        {{QStringLiteral("codes"), {}, QStringLiteral("list all codes and what they mean"), {}}},
-        0,
-        1,
-        QStringLiteral("0 for no findings, 1 for some"),
-        QStringLiteral("$ orv lint forgotten.json\n"
-                       "forgotten.json:8:9: unneeded-pass: Overlay never runs: neither an output "
-                       "of the renderer nor the target needs it.\n"),
-        run};
-    return command;
+    return findings.isEmpty() ? kSuccess : kFound;
 }
 
 } // namespace Kestrin::Orv::Program

@@ -3,6 +3,7 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
 #include "Input.h"
 #include "Output.h"
 
@@ -54,37 +55,17 @@ QJsonObject toJson(const Snapshot& snapshot, const Schedule& schedule)
     return {{QStringLiteral("order"), order}};
 }
 
-int run(const Arguments& arguments, Output& output)
+} // namespace
+
+int runOrder(const Arguments& arguments, Output& output)
 {
-    const Document document = readInput(arguments.plain(0));
+    const Document document = readInput(arguments.positional(0));
     const Schedule schedule = Inspect::predictSchedule(document.snapshot);
     if (arguments.json())
         output.write(toJson(document.snapshot, schedule));
     else
         writeText(document.snapshot, schedule, output);
-    return kFine;
-}
-
-} // namespace
-
-const Command& orderCommand()
-{
-    static const Command command{
-        QStringLiteral("order"),
-        QStringLiteral("[FILE]"),
-        QStringLiteral("List the passes that run, in their order of execution"),
-        QStringLiteral(
-            "A line for each pass, parted by tabs: its position, its path, and for each of\n"
-            "its outputs the number of users that the renderer tells it.\n"),
-        {},
-        0,
-        1,
-        QStringLiteral("0 for a list, empty or not"),
-        QStringLiteral("$ orv order clean.json\n"
-                       "1\tGeometry\tcolor=1\n"
-                       "2\tTone\timage=1\n"),
-        run};
-    return command;
+    return kSuccess;
 }
 
 } // namespace Kestrin::Orv::Program

@@ -3,7 +3,7 @@
 
 #include "Output.h"
 
-#include "Trouble.h"
+#include "Errors.h"
 
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -18,8 +18,8 @@ namespace Kestrin::Orv::Program {
 void Output::write(const QByteArray& bytes)
 {
     const int pieceSize = 1 << 16;
-    kept += bytes;
-    if (kept.size() >= pieceSize)
+    pending += bytes;
+    if (pending.size() >= pieceSize)
         flush();
 }
 
@@ -35,15 +35,16 @@ void Output::write(const QJsonObject& object)
 
 void Output::flush()
 {
-    const QByteArray bytes = kept;
-    kept.clear();
+    const QByteArray bytes = pending;
+    pending.clear();
     for (int written = 0; written < bytes.size();) {
         const ssize_t count = ::write(STDOUT_FILENO, bytes.constData() + written,
                                       static_cast<std::size_t>(bytes.size() - written));
         if (count >= 0)
             written += static_cast<int>(count);
         else if (errno != EINTR)
-            throw Failure(QLatin1String("cannot write standard output: ") + qt_error_string(errno));
+            throw SystemError(QLatin1String("cannot write to standard output: ")
+                              + qt_error_string(errno));
     }
 }
 
@@ -51,8 +52,8 @@ void saveFile(const QString& file, const QByteArray& bytes)
 {
     QSaveFile saved(file);
     if (!saved.open(QIODevice::WriteOnly) || saved.write(bytes) != bytes.size() || !saved.commit())
-        throw Failure(QLatin1String("cannot write ") + file + QLatin1String(": ")
-                      + saved.errorString());
+        throw SystemError(QLatin1String("cannot write ") + file + QLatin1String(": ")
+                          + saved.errorString());
 }
 
 } // namespace Kestrin::Orv::Program

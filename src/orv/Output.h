@@ -11,22 +11,23 @@ class QJsonObject;
 
 namespace Kestrin::Orv::Program {
 
-/// Standard output, written in large pieces. Throws a Failure when it cannot be written.
+/// Standard output, written in large pieces. Throws a SystemError if writing fails.
 class Output
 {
 public:
     void write(const QByteArray& bytes);
     void write(const QString& text);
-    /// An indented object and a line break.
+    /// Writes the object with indentation, and a line break.
     void write(const QJsonObject& object);
-    /// Writes what is still kept.
+    /// Writes the bytes that have not been written yet.
     void flush();
 
 private:
-    QByteArray kept;
+    QByteArray pending;
 };
 
-/// Puts a file in place once it is complete. Throws a Failure when that fails.
+/// Writes a file as a whole: a failure leaves the old file unchanged. Throws a SystemError if that
+/// fails.
 void saveFile(const QString& file, const QByteArray& bytes);
 
 } // namespace Kestrin::Orv::Program

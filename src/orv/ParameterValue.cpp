@@ -14,7 +14,7 @@ using Inspect::ForeignValue;
 
 namespace {
 
-/// Undefined if the text is no JSON.
+/// Undefined if the text is not JSON.
 QJsonValue jsonValue(const QString& text)
 {
     const QJsonArray array = QJsonDocument::fromJson('[' + text.toUtf8() + ']').array();

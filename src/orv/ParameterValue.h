@@ -8,8 +8,8 @@
 
 namespace Kestrin::Orv::Program {
 
-/// Reads a value of the type that the parameter has; lists and maps are written as JSON. Where the
-/// parameter has no value, what is no JSON is a string. Invalid if it cannot be read.
+/// Reads a value of the type of the current value. Lists and maps are JSON. If the parameter has no
+/// value, a text that is not JSON is a string. Returns an invalid value if it cannot read the text.
 QVariant parameterValue(const QString& text, const QVariant& current);
 
 } // namespace Kestrin::Orv::Program

@@ -3,54 +3,59 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
 #include "DotProgram.h"
+#include "DryRun.h"
+#include "DryRunOptions.h"
+#include "Errors.h"
+#include "Input.h"
+#include "Messages.h"
 #include "Output.h"
-#include "Player.h"
-#include "Trouble.h"
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 #include <Kestrin/Orv/Inspect/Report.h>
 
 #include <QtCore/QJsonObject>
 
-#include <memory>
-
 namespace Kestrin::Orv::Program {
 
 namespace {
 
-/// The picture as SVG; empty where Graphviz does not draw it: the report shows its text then.
-QByteArray draw(const Inspect::Snapshot& snapshot, const QVector<int>& failed, int timeout)
+/// Draws the graph as SVG. The picture is empty if Graphviz cannot draw it: the report then shows
+/// the Graphviz text.
+QByteArray draw(const Inspect::Snapshot& snapshot, const QVector<int>& failedNodes, int timeout)
 {
     const DotProgram dot;
     if (!dot.isInstalled())
         return {};
     try {
-        return dot.draw(Inspect::toGraphviz(snapshot, failed), QStringLiteral("svg"), timeout);
-    } catch (const Failure& failure) {
-        complain(failure.text);
+        return dot.draw(Inspect::toGraphviz(snapshot, failedNodes), QStringLiteral("svg"), timeout);
+    } catch (const SystemError& error) {
+        printError(error.text);
         return {};
     }
 }
 
-int run(const Arguments& arguments, Output& output)
+} // namespace
+
+int runReport(const Arguments& arguments, Output& output)
 {
     const int numFrames = arguments.number("frames", 0, 100);
     const int timeout = arguments.number("timeout", 1, 60);
-    const Document document = readInput(arguments.plain(0));
+    const Document document = readInput(arguments.positional(0));
     Inspect::Trace trace;
-    Player player(arguments, document, &trace);
-    player.setup();
+    DryRun dryRun(readDryRunOptions(arguments, document), &trace);
+    dryRun.setup();
     for (int frame = 0; frame < numFrames; ++frame)
-        player.frame();
-    player.teardown();
+        dryRun.runFrame();
+    dryRun.teardown();
 
     Inspect::ReportContent content;
     content.title = document.name;
-    content.snapshot = &player.snapshot();
+    content.snapshot = &dryRun.snapshot();
     content.trace = numFrames > 0 ? &trace : nullptr;
-    content.failed = player.failed();
-    content.picture = draw(player.snapshot(), player.failed(), timeout);
+    content.failed = dryRun.failedNodes();
+    content.picture = draw(dryRun.snapshot(), dryRun.failedNodes(), timeout);
     const QByteArray html = Inspect::toHtml(content);
 
     if (arguments.has("output"))
@@ -61,37 +66,7 @@ int run(const Arguments& arguments, Output& output)
                          : QJsonObject{{QStringLiteral("html"), QString::fromUtf8(html)}});
     else if (!arguments.has("output"))
         output.write(html);
-    return kFine;
-}
-
-} // namespace
-
-const Command& reportCommand()
-{
-    static const Command command{
-        QStringLiteral("report"),
-        QStringLiteral("[FILE]"),
-        QStringLiteral("Write a report on a graph and its frames as one HTML file"),
-        QStringLiteral(
-            "Frames are run with stand-ins in place of the passes. Without --output, the report\n"
-            "is written on standard output.\n"),
-        QVector<Option>{{QStringLiteral("output"), QStringLiteral("FILE"),
-                         QStringLiteral("write FILE"), QLatin1Char('o')},
-                        {QStringLiteral("frames"),
-                         QStringLiteral("N"),
-                         QStringLiteral("run N frames, 100 if not told"),
-                         {}},
-                        {QStringLiteral("timeout"),
-                         QStringLiteral("SECONDS"),
-                         QStringLiteral("wait so long for Graphviz, 60 if not told"),
-                         {}}}
-            + Player::options(),
-        0,
-        1,
-        QStringLiteral("0 for a report"),
-        QStringLiteral("$ orv report --frames 10 -o scene.html scene.json\n"),
-        run};
-    return command;
+    return kSuccess;
 }
 
 } // namespace Kestrin::Orv::Program

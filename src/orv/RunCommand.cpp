@@ -3,8 +3,13 @@
 
 #include "Arguments.h"
 #include "Command.h"
+#include "CommandFunctions.h"
+#include "DryRun.h"
+#include "DryRunOptions.h"
+#include "Input.h"
 #include "Output.h"
-#include "Player.h"
+
+#include <Kestrin/Orv/Inspect/Paths.h>
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonObject>
@@ -38,48 +43,49 @@ QJsonArray toJson(const QVector<PassCalls>& passes, const Paths& paths)
     return all;
 }
 
-/// Plays a document and writes what happens, frame by frame.
-class Script
+/// Writes the calls and the outputs of a dry run, frame by frame.
+class Transcript
 {
 public:
-    Script(Player& played, Output& written)
-        : player(played)
+    Transcript(DryRun& recorded, Output& written)
+        : dryRun(recorded)
         , output(written)
-        , paths(played.snapshot())
+        , paths(recorded.snapshot())
     {
     }
 
-    /// \return whether all frames went well.
+    /// \return whether all frames succeeded.
     bool write(int numFrames)
     {
         bool succeeded = true;
-        output.write(QLatin1String("setup\n") + toText(player.setup(), paths));
+        output.write(QLatin1String("setup\n") + toText(dryRun.setup(), paths));
         for (int frame = 1; frame <= numFrames; ++frame) {
-            const QString calls = toText(player.frame(), paths);
-            succeeded = succeeded && player.succeeded();
+            const QString calls = toText(dryRun.runFrame(), paths);
+            succeeded = succeeded && dryRun.succeeded();
             output.write(QLatin1String("frame ") + QString::number(frame)
-                         + QLatin1String(player.succeeded() ? "\n" : " failed\n") + calls
+                         + QLatin1String(dryRun.succeeded() ? "\n" : " failed\n") + calls
                          + outputsText());
-            output.flush(); // somebody may be looking, or gone
+            output.flush(); // a reader sees each frame at once; a closed pipe ends the run
         }
-        output.write(QLatin1String("teardown\n") + toText(player.teardown(), paths));
+        output.write(QLatin1String("teardown\n") + toText(dryRun.teardown(), paths));
         return succeeded;
     }
 
+    /// The same as one JSON object.
     bool writeJson(int numFrames)
     {
         bool succeeded = true;
-        const QJsonArray setup = toJson(player.setup(), paths);
+        const QJsonArray setup = toJson(dryRun.setup(), paths);
         QJsonArray frames;
         for (int frame = 1; frame <= numFrames; ++frame) {
-            const QJsonArray calls = toJson(player.frame(), paths);
-            succeeded = succeeded && player.succeeded();
+            const QJsonArray calls = toJson(dryRun.runFrame(), paths);
+            succeeded = succeeded && dryRun.succeeded();
             frames.append(QJsonObject{{QStringLiteral("frame"), frame},
-                                      {QStringLiteral("succeeded"), player.succeeded()},
+                                      {QStringLiteral("succeeded"), dryRun.succeeded()},
                                       {QStringLiteral("calls"), calls},
                                       {QStringLiteral("outputs"), outputsJson()}});
         }
-        const QJsonArray teardown = toJson(player.teardown(), paths);
+        const QJsonArray teardown = toJson(dryRun.teardown(), paths);
         output.write(QJsonObject{{QStringLiteral("setup"), setup},
                                  {QStringLiteral("frames"), frames},
                                  {QStringLiteral("teardown"), teardown}});
@@ -90,8 +96,8 @@ private:
     QString outputsText() const
     {
         QString text;
-        for (int i = 0; i < player.numOutputs(); ++i) {
-            const QVariant value = player.output(i);
+        for (int i = 0; i < dryRun.numOutputs(); ++i) {
+            const QVariant value = dryRun.output(i);
             text += QLatin1String("  ") + paths.output(0, i)
                 + (value.isValid() ? QLatin1String(" = ") + value.toString()
                                    : QStringLiteral(" has no value"))
@@ -102,69 +108,33 @@ private:
     QJsonArray outputsJson() const
     {
         QJsonArray all;
-        for (int i = 0; i < player.numOutputs(); ++i)
+        for (int i = 0; i < dryRun.numOutputs(); ++i)
             all.append(
                 QJsonObject{{QStringLiteral("output"), paths.output(0, i)},
-                            {QStringLiteral("value"), QJsonValue::fromVariant(player.output(i))}});
+                            {QStringLiteral("value"), QJsonValue::fromVariant(dryRun.output(i))}});
         return all;
     }
 
-    Player& player;
+    DryRun& dryRun;
     Output& output;
     Paths paths;
 };
 
-int run(const Arguments& arguments, Output& output)
-{
-    const int numFrames = arguments.number("frames", 0, 1);
-    const Document document = readInput(arguments.plain(0));
-    Inspect::Trace trace;
-    Player player(arguments, document, arguments.has("trace") ? &trace : nullptr);
-    Script script(player, output);
-    const bool succeeded = arguments.json() ? script.writeJson(numFrames) : script.write(numFrames);
-    if (arguments.has("trace"))
-        saveFile(arguments.value("trace"), trace.toTraceEvents());
-    return succeeded ? kFine : kFound;
-}
-
 } // namespace
 
-const Command& runCommand()
+int runDryRun(const Arguments& arguments, Output& output)
 {
-    static const Command command{
-        QStringLiteral("run"),
-        QStringLiteral("[FILE]"),
-        QStringLiteral("Run frames with stand-ins in place of the passes, and show all calls"),
-        QStringLiteral("A line for each pass with the calls that it receives, in their order. The "
-                       "stand-ins put\n"
-                       "out numbers that follow from their names and inputs; each frame ends with "
-                       "the values of\n"
-                       "the renderer's outputs.\n"),
-        QVector<Option>{{QStringLiteral("frames"),
-                         QStringLiteral("N"),
-                         QStringLiteral("run N frames, 1 if not told"),
-                         {}},
-                        {QStringLiteral("trace"),
-                         QStringLiteral("FILE"),
-                         QStringLiteral("write the times of all calls to FILE, for Perfetto"),
-                         {}}}
-            + Player::options(),
-        0,
-        1,
-        QStringLiteral("0 for frames that went well, 1 for one that failed"),
-        QStringLiteral("$ orv run --fail Tone=3 clean.json\n"
-                       "setup\n"
-                       "  Geometry: setup\n"
-                       "  Tone: setup\n"
-                       "frame 1 failed\n"
-                       "  Geometry: beginFrame start endFrame\n"
-                       "  Tone: beginFrame start endFrame, error code 3\n"
-                       "  Picture = 117849884\n"
-                       "teardown\n"
-                       "  Geometry: teardown\n"
-                       "  Tone: teardown\n"),
-        run};
-    return command;
+    const int numFrames = arguments.number("frames", 0, 1);
+    const Document document = readInput(arguments.positional(0));
+    Inspect::Trace trace;
+    DryRun dryRun(readDryRunOptions(arguments, document),
+                  arguments.has("trace") ? &trace : nullptr);
+    Transcript transcript(dryRun, output);
+    const bool succeeded =
+        arguments.json() ? transcript.writeJson(numFrames) : transcript.write(numFrames);
+    if (arguments.has("trace"))
+        saveFile(arguments.value("trace"), trace.toTraceEvents());
+    return succeeded ? kSuccess : kFound;
 }
 
 } // namespace Kestrin::Orv::Program

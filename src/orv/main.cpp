@@ -2,10 +2,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "Arguments.h"
-#include "Command.h"
+#include "Commands.h"
+#include "Errors.h"
 #include "Help.h"
+#include "Messages.h"
 #include "Output.h"
-#include "Trouble.h"
 
 #include <Kestrin/Orv/Core.h>
 
@@ -32,14 +33,15 @@ int runCommandLine(const Command& command, const QStringList& words, Output& out
         if (!arguments.help())
             return command.run(arguments, output);
         output.write(help(command));
-        return kFine;
-    } catch (const Misuse& misuse) {
-        complain(command.name + QLatin1Char(' ') + misuse.text + QLatin1String(" (see orv help ")
-                 + command.name + QLatin1Char(')'));
-    } catch (const BadInput& input) {
-        tell(input, json, output);
+        return kSuccess;
+    } catch (const UsageError& error) {
+        printError(command.name,
+                   error.text + QLatin1String(" (see orv help ") + QLatin1String(command.name)
+                       + QLatin1Char(')'));
+    } catch (const InputError& error) {
+        printProblems(error, json, output);
     }
-    return kTrouble;
+    return kError;
 }
 
 int run(const QStringList& words, Output& output)
@@ -48,31 +50,31 @@ int run(const QStringList& words, Output& output)
     const QString second = words.value(1);
     if (first == QLatin1String("--version")) {
         output.write(QLatin1String("orv ") + CoreVersions::getVersion() + QLatin1Char('\n'));
-        return kFine;
+        return kSuccess;
     }
-    const bool helpWanted = first == QLatin1String("help") || first == QLatin1String("--help")
+    const bool wantsHelp = first == QLatin1String("help") || first == QLatin1String("--help")
         || first == QLatin1String("-h");
-    if (helpWanted && second.isEmpty()) {
+    if (wantsHelp && second.isEmpty()) {
         output.write(help());
-        return kFine;
+        return kSuccess;
     }
-    const QString name = helpWanted ? second : first;
+    const QString name = wantsHelp ? second : first;
     const Command* command = findCommand(name);
     if (!command) {
-        complain((name.isEmpty() ? QStringLiteral("needs a command")
-                                 : QLatin1String("has no command ") + name)
-                 + QLatin1String(" (see orv help)"));
-        return kTrouble;
+        printError((name.isEmpty() ? QStringLiteral("missing command")
+                                   : QLatin1String("unknown command ") + name)
+                   + QLatin1String(" (see orv help)"));
+        return kError;
     }
-    if (helpWanted) {
+    if (wantsHelp) {
         output.write(help(*command));
-        return kFine;
+        return kSuccess;
     }
     return runCommandLine(*command, words.mid(1), output);
 }
 
-/// Where a standard stream is closed, another file would take its number. What stands in answers
-/// reading and writing with the same error.
+/// Opens a replacement for each standard stream that is closed, because another file would take its
+/// number. Reading and writing the replacement fail with the same error.
 void keepStandardStreams()
 {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -86,9 +88,9 @@ void keepStandardStreams()
 int main(int argc, char** argv)
 {
     keepStandardStreams();
-    // A reader that has gone is an error of write(), not the end.
+    // When the reader of the output has closed the pipe, write() reports an error.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-    // Names of files and in graphs are UTF-8 whatever the locale says.
+    // Names of files and nodes are UTF-8 in every locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     QStringList words;
     for (int i = 1; i < argc; ++i)
@@ -100,10 +102,10 @@ int main(int argc, char** argv)
         const int code = run(words, output);
         output.flush();
         return code;
-    } catch (const Failure& failure) {
-        complain(failure.text);
+    } catch (const SystemError& error) {
+        printError(error.text);
     } catch (const std::bad_alloc&) {
-        complain(QStringLiteral("out of memory"));
+        printError(QStringLiteral("out of memory"));
     }
-    return kTrouble;
+    return kError;
 }

@@ -1,16 +1,16 @@
-Without a command, or with one that is not known:
+Without a command, or with an unknown command:
 
   $ orv
-  ! orv: needs a command (see orv help)
+  ! orv: missing command (see orv help)
   ? 2
   $ orv paint
-  ! orv: has no command paint (see orv help)
+  ! orv: unknown command paint (see orv help)
   ? 2
   $ orv help paint
-  ! orv: has no command paint (see orv help)
+  ! orv: unknown command paint (see orv help)
   ? 2
   $ orv --json
-  ! orv: has no command --json (see orv help)
+  ! orv: unknown command --json (see orv help)
   ? 2
 
 The version:
@@ -18,59 +18,59 @@ The version:
   $ orv --version
   orv 1.0.0
 
-The help of the program is the same however it is asked for:
+All ways to ask for the help of the program print the same text:
 
   $ orv help >1; orv --help | cmp - 1; orv -h | cmp - 1; head -1 1
   Usage: orv COMMAND [OPTION...] [FILE]
 
-So is that of a command:
+So do all ways to ask for the help of a command:
 
   $ orv help lint >1; orv lint --help | cmp - 1; orv lint -h | cmp - 1; orv explain --help | head -1
   Usage: orv explain [OPTION...] FILE [NODE | NODE.PORT | FROM TO]
 
-Options that a command does not have, or that are not complete:
+Options that are unknown or incomplete:
 
   $ orv lint --colour scene.json
-  ! orv: lint has no option --colour (see orv help lint)
+  ! orv lint: unknown option --colour (see orv help lint)
   ? 2
   $ orv lint -x scene.json
-  ! orv: lint has no option -x (see orv help lint)
+  ! orv lint: unknown option -x (see orv help lint)
   ? 2
   $ orv lint --json=yes scene.json
-  ! orv: lint --json takes no value (see orv help lint)
+  ! orv lint: option --json takes no value (see orv help lint)
   ? 2
   $ orv picture -o
-  ! orv: picture -o needs a value: FILE (see orv help picture)
+  ! orv picture: option -o needs a value: FILE (see orv help picture)
   ? 2
   $ orv run --frames
-  ! orv: run --frames needs a value: N (see orv help run)
+  ! orv run: option --frames needs a value: N (see orv help run)
   ? 2
   $ orv lint --frames 3 scene.json
-  ! orv: lint has no option --frames (see orv help lint)
+  ! orv lint: unknown option --frames (see orv help lint)
   ? 2
 
-Too many words, or too few:
+Too many or too few positional arguments:
 
   $ orv lint scene.json new.json
-  ! orv: lint does not take new.json (see orv help lint)
+  ! orv lint: unexpected argument new.json (see orv help lint)
   ? 2
   $ orv diff scene.json
-  ! orv: diff needs OLD NEW (see orv help diff)
+  ! orv diff: missing argument: needs OLD NEW (see orv help diff)
   ? 2
   $ orv explain
-  ! orv: explain needs FILE [NODE | NODE.PORT | FROM TO] (see orv help explain)
+  ! orv explain: missing argument: needs FILE [NODE | NODE.PORT | FROM TO] (see orv help explain)
   ? 2
   $ orv explain scene.json A B C
-  ! orv: explain does not take C (see orv help explain)
+  ! orv explain: unexpected argument C (see orv help explain)
   ? 2
 
-What follows -- is no option:
+Words after -- are positional arguments:
 
   $ orv lint -- --json
   ! --json: unreadable: No such file or directory
   ? 2
 
-An option that stands twice has its last value:
+A repeated option has its last value:
 
   $ orv run --frames 7 --frames 0 clean.json | grep -c frame
   0

@@ -1,4 +1,4 @@
-What has changed:
+Two graphs with differences:
 
   $ orv diff scene.json new.json
   parameter-changed Angle: double 30 -> double 45
@@ -30,7 +30,7 @@ What has changed:
   }
   ? 1
 
-Nothing has:
+Two graphs without differences:
 
   $ orv diff scene.json scene.json
   $ orv diff --json scene.json scene.json
@@ -39,15 +39,15 @@ Nothing has:
       ]
   }
 
-One of both may come on standard input, but not both:
+One of the documents may come from standard input, but not both:
 
   $ orv diff - scene.json <scene.json
   $ orv diff scene.json - <scene.json
   $ orv diff - -
-  ! orv: diff cannot read standard input twice (see orv help diff)
+  ! orv diff: cannot read standard input twice (see orv help diff)
   ? 2
 
-What is wrong with either document is trouble:
+Either document may have errors:
 
   $ orv diff scene.json missing.json
   ! missing.json: unreadable: No such file or directory

@@ -1,4 +1,4 @@
-The text that Graphviz reads:
+The Graphviz text:
 
   $ orv dot clean.json | sed -n '1p;$p'
   digraph orv {
@@ -7,7 +7,7 @@ The text that Graphviz reads:
   {
       "dot": "digraph orv {\n  grap(no line break)
 
-Graphviz draws the passes and their connections from it:
+Graphviz reads the passes and their connections from the text:
 
   $ orv dot clean.json | dot -Tplain | awk '$1 == "node" { print $2 } $1 == "edge" { print $2, $3 }'
   n0o

@@ -1,4 +1,4 @@
-Every pass:
+All passes:
 
   $ orv explain scene.json
   2	Shadow	runs
@@ -108,7 +108,7 @@ A pass that runs:
       ]
   }
 
-A pass that is disabled, and one that nothing needs:
+A disabled pass, and a pass that nothing needs:
 
   $ orv explain scene.json Grain
   Grain does not run: it is disabled. The renderer's output Picture leads to it:
@@ -135,7 +135,7 @@ A pass that is disabled, and one that nothing needs:
   }
   ? 1
 
-From standard input:
+A document from standard input:
 
   $ orv explain - Tone <clean.json
   Tone runs as 2 of 2, needed by the renderer's output Picture:
@@ -196,7 +196,7 @@ A parameter, and an output of the renderer:
   $ orv explain scene.json Angle
   Angle is a parameter of the renderer (30 now).
   $ orv explain scene.json Picture
-  Picture is an output of the renderer that takes the value of Tone.image, which has 1 user.
+  Picture is an output of the renderer. Its value comes from Tone.image, which has 1 user.
   Tone runs as 6 of 6, needed by the renderer's output Picture:
     output Picture
     output Tone.image
@@ -227,10 +227,10 @@ A parameter, and an output of the renderer:
       ]
   }
 
-Outputs of passes, one of which does not run:
+An output of a pass that runs, and of a pass that does not run:
 
   $ orv explain scene.json GBuffer.depth
-  GBuffer.depth is an output of a pass that has 1 user.
+  GBuffer.depth is an output of a pass and has 1 user.
   GBuffer runs as 1 of 6, needed by the renderer's output Picture:
     output Picture
     output Tone.image
@@ -243,13 +243,13 @@ Outputs of passes, one of which does not run:
   Overlay does not run: no output of the renderer and no target leads to it. Make it the target or feed an output of the renderer from it, and it runs.
   ? 1
 
-An input and an output of the same path are both explained:
+Both an input and an output with the same path are explained:
 
   $ orv explain scene.json Bloom.image
   Bloom.image carries the output Light.image:
     input Bloom.image
     output Light.image
-  Bloom.image is an output of a group that takes the value of Bloom/Blur[1].blurred, which has 1 user.
+  Bloom.image is an output of a group. Its value comes from Bloom/Blur[1].blurred, which has 1 user.
   Bloom/Blur[1] runs as 5 of 6, needed by the renderer's output Picture:
     output Picture
     output Tone.image
@@ -257,10 +257,10 @@ An input and an output of the same path are both explained:
     output Bloom.image
     output Bloom/Blur[1].blurred
 
-A path that leads to no pass:
+An output that no pass produces:
 
   $ orv explain odd.json Nothing
-  Nothing is an output of the renderer that no pass produces.
+  Nothing is an output of the renderer. No pass produces it.
   ? 1
   $ orv explain --json odd.json Nothing
   {
@@ -272,7 +272,7 @@ A path that leads to no pass:
   }
   ? 1
 
-An edge that is taken, and edges that are refused:
+Accepted and refused edges:
 
   $ orv explain unwired.json GBuffer.color Overlay.depth
   An edge from the output GBuffer.color to the input Overlay.depth is accepted.
@@ -343,7 +343,7 @@ An edge that is taken, and edges that are refused:
   An edge from the output GBuffer.color to the input Bloom/Blur.source is accepted but does not carry that output: the nodes are not siblings.
   ? 1
 
-The ports are meant that go with each other where an input and an output share a path:
+If an input and an output share a path, the port that fits the other end is chosen:
 
   $ orv explain unwired.json Bloom.image 'Bloom/Blur.source'
   An edge from the input Bloom.image to the input Bloom/Blur.source is accepted.

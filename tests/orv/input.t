@@ -1,4 +1,4 @@
-Standard input is read for - and without a name:
+Standard input is read for -, and if FILE is left out:
 
   $ orv order <clean.json | head -1
   1	Geometry	color=1
@@ -28,7 +28,7 @@ Files that cannot be read:
   ! <stdin>: unreadable: Bad file descriptor
   ? 2
 
-What is wrong with a document is told with its place:
+An error in a document is reported with its place:
 
   $ orv order broken.json
   ! broken.json:5:1: syntax: a comma or a closing bracket is expected here
@@ -53,7 +53,7 @@ What is wrong with a document is told with its place:
   ! <stdin>:1:1: syntax: the text ends too early
   ? 2
 
-All of it is told at once:
+All errors are reported at once:
 
   $ orv order wrong.json
   ! wrong.json:7:19: unknown-parent: "Missing/Tone": no entry before this one is the group "Missing"
@@ -96,34 +96,34 @@ All of it is told at once:
   }
   ? 2
 
-Names that are not known, with those that may have been meant:
+Unknown names, with suggestions:
 
   $ orv explain scene.json Lihgt
-  ! scene.json: unknown-name: there is no node or port "Lihgt"; there is Light
+  ! scene.json: unknown-name: there is no node or port "Lihgt"; did you mean Light?
   ? 2
   $ orv explain scene.json blur
-  ! scene.json: unknown-name: there is no node or port "blur"; there is Bloom/Blur[0], Bloom/Blur[1]
+  ! scene.json: unknown-name: there is no node or port "blur"; did you mean Bloom/Blur[0] or Bloom/Blur[1]?
   ? 2
   $ orv explain scene.json Bloom/Blurr
-  ! scene.json: unknown-name: there is no node or port "Bloom/Blurr"; there is Bloom/Blur[0], Bloom/Blur[1]
+  ! scene.json: unknown-name: there is no node or port "Bloom/Blurr"; did you mean Bloom/Blur[0] or Bloom/Blur[1]?
   ? 2
   $ orv explain scene.json Blom/Blur
-  ! scene.json: unknown-name: there is no node or port "Blom/Blur"; there is Bloom/Blur[0], Bloom/Blur[1]
+  ! scene.json: unknown-name: there is no node or port "Blom/Blur"; did you mean Bloom/Blur[0] or Bloom/Blur[1]?
   ? 2
   $ orv explain scene.json Light.colour
-  ! scene.json: unknown-name: Light has no port "colour"; there is Light.color
+  ! scene.json: unknown-name: Light has no port "colour"; did you mean Light.color?
   ? 2
   $ orv explain scene.json Ligt.color
-  ! scene.json: unknown-name: there is no node "Ligt"; there is Light
+  ! scene.json: unknown-name: there is no node "Ligt"; did you mean Light?
   ? 2
   $ orv explain scene.json Angel
-  ! scene.json: unknown-name: there is no node or port "Angel"; there is Angle
+  ! scene.json: unknown-name: there is no node or port "Angel"; did you mean Angle?
   ? 2
   $ orv explain scene.json Nonsense
   ! scene.json: unknown-name: there is no node or port "Nonsense"
   ? 2
   $ orv explain scene.json Light.color Tone.imag
-  ! scene.json: unknown-name: Tone has no port "imag"; there is Tone.image
+  ! scene.json: unknown-name: Tone has no port "imag"; did you mean Tone.image?
   ? 2
   $ orv explain --json scene.json Lihgt
   {
@@ -134,25 +134,25 @@ Names that are not known, with those that may have been meant:
               ],
               "code": "unknown-name",
               "file": "scene.json",
-              "text": "there is no node or port \"Lihgt\"; there is Light"
+              "text": "there is no node or port \"Lihgt\"; did you mean Light?"
           }
       ]
   }
   ? 2
 
-Those of the same group come first:
+Suggestions from the same group come first:
 
   $ orv explain groups.json B/Blurr
-  ! groups.json: unknown-name: there is no node or port "B/Blurr"; there is B/Blur, A/Blur
+  ! groups.json: unknown-name: there is no node or port "B/Blurr"; did you mean B/Blur or A/Blur?
   ? 2
 
-Names that may mean several things:
+Ambiguous names:
 
   $ orv explain scene.json Bloom/Blur
-  ! scene.json: ambiguous-name: "Bloom/Blur" may mean Bloom/Blur[0], Bloom/Blur[1]
+  ! scene.json: ambiguous-name: "Bloom/Blur" is ambiguous: it matches Bloom/Blur[0] and Bloom/Blur[1]
   ? 2
   $ orv explain scene.json Bloom/Blur.source
-  ! scene.json: ambiguous-name: "Bloom/Blur.source" may mean Bloom/Blur[0].source, Bloom/Blur[1].source
+  ! scene.json: ambiguous-name: "Bloom/Blur.source" is ambiguous: it matches Bloom/Blur[0].source and Bloom/Blur[1].source
   ? 2
   $ orv explain --json scene.json Bloom/Blur
   {
@@ -164,7 +164,7 @@ Names that may mean several things:
               ],
               "code": "ambiguous-name",
               "file": "scene.json",
-              "text": "\"Bloom/Blur\" may mean Bloom/Blur[0], Bloom/Blur[1]"
+              "text": "\"Bloom/Blur\" is ambiguous: it matches Bloom/Blur[0] and Bloom/Blur[1]"
           }
       ]
   }

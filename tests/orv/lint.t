@@ -1,4 +1,4 @@
-Findings are told with their places:
+Findings are reported with their places:
 
   $ orv lint scene.json
   scene.json:6:9: unread-parameter: No pass reads the parameter Quality.
@@ -6,7 +6,7 @@ Findings are told with their places:
   scene.json:25:9: unneeded-pass: Overlay never runs: neither an output of the renderer nor the target needs it.
   ? 1
 
-The same for programs:
+The same as JSON:
 
   $ orv lint --json scene.json
   {
@@ -39,7 +39,7 @@ The same for programs:
   }
   ? 1
 
-Nothing found:
+No findings:
 
   $ orv lint clean.json
   $ orv lint --json clean.json
@@ -48,7 +48,7 @@ Nothing found:
       ]
   }
 
-Every code that findings may have is explained:
+All codes of findings and their meanings:
 
   $ orv lint --codes | grep '^unread-output'
   unread-output: nobody reads an output

@@ -1,4 +1,4 @@
-Passes are listed in their order of execution, with the users of their outputs:
+Passes are listed in execution order, with the users of their outputs:
 
   $ orv order scene.json
   1	GBuffer	color=1	depth=1
@@ -8,7 +8,7 @@ Passes are listed in their order of execution, with the users of their outputs:
   5	Bloom/Blur[1]	blurred=1
   6	Tone	image=1
 
-The same for programs, whose positions count from 0:
+The same as JSON, where positions start at 0:
 
   $ orv order --json scene.json
   {
@@ -89,7 +89,7 @@ A document without passes has an empty order:
       ]
   }
 
-Names that hold separators are escaped:
+Names that contain separators are escaped:
 
   $ orv order odd.json
   1	a%2Fb c	x%253D1=1

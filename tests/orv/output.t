@@ -1,23 +1,23 @@
-A reader that has gone is told in one line:
+A closed pipe is reported in one line:
 
   $ ./make-chain 5000 >large.json; orv order large.json | true; echo ${PIPESTATUS[0]}
   2
-  ! orv: cannot write standard output: Broken pipe
+  ! orv: cannot write to standard output: Broken pipe
   $ timeout 60 orv run --frames 1000000 --slow Tone=1 clean.json | head -1; echo ${PIPESTATUS[0]}
   setup
   2
-  ! orv: cannot write standard output: Broken pipe
+  ! orv: cannot write to standard output: Broken pipe
 
-So is a device that is full, or no output at all:
+So is a full device, and a closed standard output:
 
   $ orv order clean.json >/dev/full
-  ! orv: cannot write standard output: No space left on device
+  ! orv: cannot write to standard output: No space left on device
   ? 2
   $ orv --version >&-
-  ! orv: cannot write standard output: Bad file descriptor
+  ! orv: cannot write to standard output: Bad file descriptor
   ? 2
 
-A file is replaced as a whole, or not at all:
+A file is replaced as a whole or not at all:
 
   $ echo old >kept.svg; orv picture -o kept.svg broken.json; cat kept.svg
   old

@@ -5,7 +5,7 @@ Graphviz draws an SVG:
   $ orv picture --json scene.json | grep -c '"picture": "<?xml'
   1
 
-A file has the format that its name ends in:
+The suffix of a file selects the format:
 
   $ orv picture -o scene.png scene.json && head -c 4 scene.png | tail -c 3
   PNG(no line break)
@@ -18,40 +18,40 @@ A file has the format that its name ends in:
   }
   <?xml(no line break)
 
-Other formats are not known:
+Other suffixes are refused:
 
   $ orv picture -o scene.gif scene.json
-  ! orv: picture writes files that end in .svg, .png or .pdf, not scene.gif (see orv help picture)
+  ! orv picture: cannot write scene.gif: the suffix must be .svg, .png or .pdf (see orv help picture)
   ? 2
   $ orv picture -o scene scene.json
-  ! orv: picture writes files that end in .svg, .png or .pdf, not scene (see orv help picture)
+  ! orv picture: cannot write scene: the suffix must be .svg, .png or .pdf (see orv help picture)
   ? 2
 
 Without Graphviz:
 
   $ PATH=$BIN orv picture scene.json
-  ! orv: pictures are drawn by the program dot of Graphviz, which is not installed (orv dot writes its input)
+  ! orv: cannot draw: the program dot of Graphviz is not installed (orv dot writes its input)
   ? 2
 
-Graphviz fails, crashes, takes too long:
+Graphviz fails, crashes, takes too long, or does not start:
 
   $ mkdir fake; echo '#!/bin/sh
   > echo "no such format" >&2; echo more >&2; exit 3' >fake/dot; chmod +x fake/dot; PATH=$BIN:fake:/bin orv picture scene.json
-  ! orv: dot has failed with exit code 3: no such format
+  ! orv: dot failed with exit code 3: no such format
   ? 2
   $ echo '#!/bin/sh
   > kill -9 $$' >fake/dot; PATH=$BIN:fake:/bin orv picture scene.json
-  ! orv: dot has crashed
+  ! orv: dot crashed
   ? 2
   $ echo '#!/bin/sh
   > exec sleep 60' >fake/dot; PATH=$BIN:fake:/bin orv picture --timeout 1 scene.json
-  ! orv: dot has not finished within 1 s
+  ! orv: dot did not finish within 1 s
   ? 2
   $ echo '#!/no/such/interpreter' >fake/dot; PATH=$BIN:fake:/bin orv picture scene.json
   ! orv: dot: execvp: No such file or directory
   ? 2
 
-A file that cannot be written, or a document that cannot be read, leaves no file behind:
+If the file cannot be written or the document cannot be read, there is no new file:
 
   $ orv picture -o missing/scene.svg scene.json
   ! orv: cannot write missing/scene.svg: No such file or directory

@@ -12,11 +12,11 @@ A report on standard output, or in a file:
   {
       "html": "<!DOCTYPE html>\n(no line break)
 
-The same without frames are the same bytes:
+Two reports without frames have the same bytes:
 
   $ orv report --frames 0 scene.json >1.html; orv report --frames 0 scene.json | cmp - 1.html
 
-Passes that have failed are shown:
+Failed passes are marked:
 
   $ PATH=$BIN orv report --frames 1 scene.json >well.html; grep -c 'state failed' well.html
   0
@@ -24,7 +24,7 @@ Passes that have failed are shown:
   $ PATH=$BIN orv report --frames 1 --fail Tone=7 scene.json >failed.html; grep -c 'state failed' failed.html
   1
 
-Without Graphviz, there is a report all the same:
+Without Graphviz, the report shows the Graphviz text:
 
   $ PATH=$BIN orv report -o plain.html scene.json; grep -c digraph plain.html
   1
@@ -32,11 +32,12 @@ Without Graphviz, there is a report all the same:
   0
   ? 1
 
-When Graphviz fails, that is told:
+A failure of Graphviz is reported, and the report is written:
 
   $ mkdir fake; echo '#!/bin/sh
-  > exit 3' >fake/dot; chmod +x fake/dot; PATH=$BIN:fake:/bin orv report -o failed.html scene.json
-  ! orv: dot has failed with exit code 3
+  > exit 3' >fake/dot; chmod +x fake/dot; PATH=$BIN:fake:/bin orv report -o failed.html scene.json; grep -c digraph failed.html
+  1
+  ! orv: dot failed with exit code 3
 
 A file that cannot be written:
 

@@ -1,15 +1,15 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 #
-# Completion of orv for bash. Commands and options are those that the program itself tells.
+# Completion of orv for bash. The commands and options come from the help of the program.
 
-# The paths of the passes in a document.
+# Prints the paths of the passes in a document.
 _orv_passes()
 {
     [ -f "$1" ] && orv explain -- "$1" 2>/dev/null | cut -f 2
 }
 
-# The document on the command line: its first word that is a file.
+# Prints the document of the command line: the first word that is a file.
 _orv_document()
 {
     local word
