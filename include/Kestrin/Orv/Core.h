@@ -11,21 +11,21 @@
 namespace Kestrin {
 namespace Orv {
 
-/// @file
-/// The two paths are worked out on first use and kept for the life of the process. They have no
-/// lock: call these functions from one thread at a time.
+/// @file Paths of the executable and its resources, and the library's versions. Both paths are
+/// determined on first use and kept for the life of the process. They have no lock: call these
+/// functions from one thread at a time.
 
-/// The absolute path of the running executable. When the system does not say, logs at critical
-/// level, answers an empty path and asks again on the next call.
+/// The absolute path of the running executable. When the system does not report it, logs at
+/// critical level, returns an empty path and tries again on the next call.
 ORV_EXPORT QString executablePath();
 
-/// The resources directory: what setResourcesPath() set, otherwise the directory "Resources" beside
-/// the executable, symbolic links resolved. It need not exist. If the executable's file has been
-/// removed, "/Resources".
+/// The resources directory: the path from setResourcesPath(), otherwise the directory "Resources"
+/// beside the executable, with symbolic links resolved. The directory need not exist. Returns
+/// "/Resources" if the executable's file has been removed.
 ORV_EXPORT QString resourcesPath();
 
-/// Replaces the resources directory, unchecked. An empty path makes the next resourcesPath() work
-/// it out again.
+/// Replaces the resources directory, unchecked. After an empty path, the next resourcesPath()
+/// determines the directory again.
 ORV_EXPORT void setResourcesPath(const QString& path);
 
 /// The library's versions.

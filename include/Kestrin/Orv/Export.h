@@ -6,10 +6,10 @@
 
 #include <Kestrin/Orv/QtVersion.h>
 
-/// ORV_EXPORT marks what libOrvCore exports, ORV_NO_EXPORT what an exported class keeps to the
-/// library; everything else is hidden anyway. Both are empty in a static build, which defines
-/// ORV_CORE_STATIC for itself and its users. On Windows, OrvCore_EXPORTS is defined where the
-/// library is built, and the members of an exported class are all exported.
+/// ORV_EXPORT marks everything that libOrvCore exports. ORV_NO_EXPORT marks the parts of an
+/// exported class that stay private to the library. All other symbols are hidden. Both macros are
+/// empty in a static build, which defines ORV_CORE_STATIC for itself and its users. On Windows, the
+/// build of the library defines OrvCore_EXPORTS, and all members of an exported class are exported.
 #if defined(ORV_CORE_STATIC)
 #    define ORV_EXPORT
 #    define ORV_NO_EXPORT

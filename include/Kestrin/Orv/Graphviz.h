@@ -11,12 +11,12 @@ namespace Orv {
 
 class Graph;
 
-/// Writes the top level of a graph to Qt's debug log as a Graphviz "digraph", one message a line.
+/// Writes the top level of a graph to Qt's debug log as a Graphviz "digraph", one message per line.
 ///
-/// The root's children are the nodes; one edge is written for each pair of nodes that is connected,
-/// an up edge to the root as an edge to the empty name. Every line carries the library's
-/// "[file:line] " prefix, to be stripped before Graphviz reads it. Names are written as they are:
-/// quotes, backslashes and line breaks in them are not escaped.
+/// The nodes are the root's children. Each pair of connected nodes gives one edge. An up edge to
+/// the root is written as an edge to the empty name. Every line begins with the library's
+/// "[file:line] " prefix: remove it before Graphviz reads the text. Names are not escaped, not even
+/// quotes, backslashes and line breaks.
 ///
 /// \param graph the graph to write; nothing is written for null.
 /// Linear in the top level's nodes and in the edges that leave their outputs.

@@ -14,13 +14,13 @@ namespace Orv {
 
 /// Counts frame times in buckets of 500 microseconds and writes them to Qt's debug log on request.
 ///
-/// When the counted times sum up to more than a minute, the next frame first calls flush(), which
-/// empties the histogram. A derived class whose flush() calls dump() and then clear() gets each
-/// minute written out.
+/// When the sum of the counted times exceeds a minute, the next frame first calls flush(), which
+/// empties the histogram. To write each minute, derive a class whose flush() calls dump() and then
+/// clear().
 ///
 /// Any thread may call addFrameTimeUS(), clear() and dump() at any time; a mutex guards the fields.
-/// It is not recursive: an overriding flush() or dump() that holds it must not call these
-/// operations. Derived classes lock it to read or change the fields.
+/// Derived classes lock it to read or change the fields. The mutex is not recursive: an overriding
+/// flush() or dump() that holds it must not call these three operations.
 class ORV_EXPORT HistogramFrameTimes
 {
 public:
@@ -31,18 +31,20 @@ public:
     HistogramFrameTimes(const HistogramFrameTimes&) = delete;
     HistogramFrameTimes& operator=(const HistogramFrameTimes&) = delete;
 
-    /// Counts one frame of \p us microseconds in the bucket of the next lower multiple of 500. A
-    /// frame of 1000500 or more is ignored. Logarithmic in the number of buckets, 2001 at most.
+    /// Counts one frame of \p us microseconds. Its bucket is \p us, rounded down to a multiple of
+    /// 500. Ignores a frame of 1000500 microseconds or more. Logarithmic in the number of buckets,
+    /// which is at most 2001.
     void addFrameTimeUS(unsigned int us);
-    /// Empties the histogram; what it held is not written.
+    /// Empties the histogram without writing it.
     void clear();
 
-    /// Called without the lock, before a frame is counted, when `totalTimeUS` exceeds 60 seconds.
+    /// Called before a frame is counted, without the lock, when `totalTimeUS` exceeds 60 seconds.
     /// Calls clear() here.
     virtual void flush();
-    /// Writes nothing when no frame was counted; otherwise a line of totals ("TIME DUMP") and one
-    /// line per bucket in ascending order: microseconds, count, and a mark, "<" for the peak bucket
-    /// and "|" for one with more than a tenth of the peak's count. Changes nothing.
+    /// Writes a line of totals ("TIME DUMP") and then one line per bucket in ascending order:
+    /// microseconds, count, and a mark. The mark is "<" for the peak bucket and "|" for a bucket
+    /// with more than a tenth of the peak's count. Writes nothing when no frame was counted. Does
+    /// not change the histogram.
     virtual void dump();
 
 protected:

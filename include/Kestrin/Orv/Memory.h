@@ -20,33 +20,34 @@ public:
 
     /// The block's size in bytes.
     virtual unsigned long size() const = 0;
-    /// Borrows \p size bytes from \p offset on, to be given back with release().
-    /// \return a pointer to the first byte; null when the range does not lie inside the block or
-    /// begins at its end.
+    /// Borrows \p size bytes, starting at \p offset. Give them back with release().
+    /// \return a pointer to the first byte. Null when the range does not lie inside the block, or
+    /// begins at the block's end.
     virtual unsigned char* get(unsigned long offset, unsigned long size) = 0;
-    /// Gives back a pointer that get() returned; any other is ignored.
+    /// Gives back a pointer that get() returned. Ignores any other pointer.
     virtual void release(unsigned char* range) = 0;
 };
 
-/// A file whose ranges are mapped into memory one by one as they are asked for.
+/// A file whose ranges are mapped into memory one by one, on request.
 ///
-/// Whatever is not a regular file that can be read has size 0 and lends nothing; nothing is logged.
-/// The size is taken once, when the file is opened. **If the file shrinks afterwards, reading a
-/// mapped byte beyond its new end raises SIGBUS**: map only files that nobody truncates meanwhile.
-/// An object is used from one thread at a time.
+/// A file that is missing, unreadable or not a regular file has size 0 and lends nothing; nothing
+/// is logged. The size is read once, when the file is opened. **If the file shrinks afterwards,
+/// reading a mapped byte beyond its new end raises SIGBUS**: map only files that nobody truncates
+/// meanwhile. Only one thread at a time may use an object.
 class ORV_EXPORT MemoryMappedFile : public Memory
 {
 public:
-    /// Opens the file for reading; size() is 0 if that failed.
+    /// Opens the file for reading. If that fails, size() is 0.
     explicit MemoryMappedFile(const QString& path);
-    /// Closes the file and unmaps what was not released.
+    /// Closes the file and unmaps all ranges that were not released.
     ~MemoryMappedFile() override;
     MemoryMappedFile(const MemoryMappedFile&) = delete;
     MemoryMappedFile& operator=(const MemoryMappedFile&) = delete;
 
     unsigned long size() const override;
-    /// Makes a new mapping on each call, even of a range that is mapped already; valid until it is
-    /// released or this object is destroyed. Also null when the system refuses.
+    /// Makes a new mapping on each call, even of a range that is already mapped. The mapping is
+    /// valid until it is released or this object is destroyed. Also returns null when the system
+    /// refuses the mapping.
     unsigned char* get(unsigned long offset, unsigned long size) override;
     void release(unsigned char* range) override;
 
@@ -55,12 +56,13 @@ private:
     MappedFileState* state;
 };
 
-/// A buffer on the heap that serves its own bytes.
-/// Concurrent get() calls on one object are harmless.
+/// A buffer on the heap that lends its own bytes. Several threads may call get() on one object at
+/// the same time.
 class ORV_EXPORT RawMemory : public Memory
 {
 public:
-    /// Takes over \p bytes, made by array new. Null lends nothing, whatever \p size is.
+    /// Takes ownership of \p bytes, which array new must have made. With null, the object lends
+    /// nothing, whatever \p size is.
     RawMemory(unsigned char* bytes, unsigned long size);
     /// Frees the buffer with array delete.
     ~RawMemory() override;

@@ -4,14 +4,12 @@
 #ifndef KESTRIN_ORV_ORVCORE_H
 #define KESTRIN_ORV_ORVCORE_H
 
-/// @file
-/// Everything that libOrvCore offers.
+/// @file Includes every public header of libOrvCore.
 
-/// @namespace Kestrin
-/// The house that OrvCore lives in.
+/// @namespace Kestrin The outer namespace of OrvCore.
 
-/// @namespace Kestrin::Orv
-/// All that libOrvCore offers: a graph of render passes and what runs it.
+/// @namespace Kestrin::Orv The public interface of libOrvCore: a graph of render passes, and the
+/// renderer that runs it.
 
 #include <Kestrin/Orv/Core.h>
 #include <Kestrin/Orv/Export.h>

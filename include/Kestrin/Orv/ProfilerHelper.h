@@ -9,12 +9,13 @@
 namespace Kestrin {
 namespace Orv {
 
-/// Marks a scope with a name: made at its start, destroyed at its end. Does nothing; it is the
-/// place at which a later version of the library can attach a profiler without touching its users.
+/// Marks a scope with a name: make it at the start of the scope and destroy it at the end. Does
+/// nothing in this version. A later version of the library can attach a profiler here, without a
+/// change in its users.
 class ORV_EXPORT ProfilerHelper
 {
 public:
-    /// Begins the scope. \p name is ignored, null included.
+    /// Begins the scope. Ignores \p name, which may be null.
     explicit ProfilerHelper(const char* name);
     /// Ends the scope.
     ~ProfilerHelper();

@@ -4,9 +4,10 @@
 #ifndef KESTRIN_ORV_QTVERSION_H
 #define KESTRIN_ORV_QTVERSION_H
 
-/// Strings, variants and lists of Qt cross the library's interface, and their layout differs
-/// between Qt's major versions. A host that is compiled with another one must not reach the linker:
-/// the names of the functions are the same, the arguments are not.
+/// Refuses a host that is compiled with another major version of Qt. Strings, variants and lists of
+/// Qt are part of the library's interface, and their layout differs between major versions. The
+/// linker would not notice: the functions have the same names with both versions, but different
+/// arguments.
 
 #include <QtCore/qglobal.h>
 

@@ -12,24 +12,23 @@
 namespace Kestrin {
 namespace Orv {
 
-/// The host's own interface for its passes. A Renderer hands the pointer on to every pass and never
-/// looks at it: the host defines the class as it likes, and null is as good as any other pointer.
+/// The host's own interface for its passes. A Renderer passes the pointer on to every pass and
+/// never uses it. So the host may define this class in any way, and the pointer may be null.
 class RenderCallbacks;
 
 /// One unit of work that a Renderer schedules: a node of its graph.
 ///
-/// All operations are called on the thread that calls the renderer. The order of the virtual
-/// operations is part of the binary interface. RenderPassHelper implements them all.
+/// RenderPassHelper implements all operations. They are called on the thread that calls the
+/// renderer. The order of the virtual operations is part of the binary interface.
 ///
-/// What a pass sees from its renderer:
+/// The renderer calls a pass in this order:
 /// - Renderer::addPass: numOutputs(), numInputs(); numInputs() and the name of each input;
 ///   numOutputs() and the name of each output.
 /// - Renderer::setup, if the pass is scheduled: resetNumOutputUsers(), setNumOutputUsers() for each
 ///   output, its inputs (below), setup().
-/// - Renderer::render, if the pass is scheduled: its inputs, clearErrorCode(), beginFrame(),
-/// start()
-///   or skip(), isFinished() until it is true, endFrame(), errorCode(). After the last pass of the
-///   frame, output() of every pass that feeds an output of the renderer.
+/// - Renderer::render, if the pass is scheduled: its inputs, clearErrorCode(), beginFrame(), then
+///   start() or skip(), isFinished() until it is true, endFrame(), errorCode(). After the last pass
+///   of the frame, output() of every pass that feeds an output of the renderer.
 /// - Renderer::teardown: teardown(), for every registered pass.
 /// - The renderer's destructor: this class's destructor.
 ///
@@ -46,14 +45,14 @@ public:
     virtual void setup(RenderCallbacks* callbacks) = 0;
     /// Opens a frame.
     virtual void beginFrame(RenderCallbacks* callbacks) = 0;
-    /// Does this frame's work, or starts it: see isFinished().
+    /// Does the work of this frame, or begins it; see isFinished().
     virtual void start(RenderCallbacks* callbacks) = 0;
-    /// Called in place of start() while the staggered first frame holds the pass back.
+    /// Called instead of start() while the staggered first frame holds the pass back.
     virtual void skip(RenderCallbacks* callbacks) = 0;
     /// Closes a frame, once isFinished() has returned true.
     virtual void endFrame(RenderCallbacks* callbacks) = 0;
     /// Whether the work of start() or skip() is done. While it is not, the renderer sleeps for 100
-    /// microseconds and asks again, without any time limit. Returns true here.
+    /// microseconds and calls this again, without a time limit. Returns true here.
     virtual bool isFinished() const;
     /// Releases what setup() made. Also called on passes that were never set up.
     virtual void teardown(RenderCallbacks* callbacks) = 0;
@@ -76,9 +75,9 @@ public:
     virtual void setDefaultValue(int index, const QVariant& value) = 0;
     /// The current value of an output.
     virtual QVariant output(int index) const = 0;
-    /// Stores the number of scheduled consumers of an output. They are counted through one group
-    /// boundary: for a consumer behind two of them, the number may be 0 although the value is used.
-    /// Disabled passes on the way to an output of the renderer count as consumers.
+    /// Stores the number of scheduled consumers of an output. Consumers are counted across one
+    /// group boundary only: for a consumer behind two boundaries, the number may be 0 although the
+    /// value is used. Disabled passes on the way to an output of the renderer count as consumers.
     virtual void setNumOutputUsers(int index, int users) = 0;
     /// Sets every output's number of consumers to 0.
     virtual void resetNumOutputUsers() = 0;

@@ -13,25 +13,26 @@
 namespace Kestrin {
 namespace Orv {
 
-/// A value and the name that it goes by.
+/// A value with a name.
 template<typename T>
 struct NamedValue
 {
     QString name; ///< not required to be unique
-    T value;      ///< a QVariant where passes use it
+    T value;      ///< a QVariant in passes
 };
 
-/// The stock implementation of RenderPass, which host passes derive from.
+/// The default implementation of RenderPass. Host passes derive from it.
 ///
-/// It keeps ports, values, user counts and the error code; every life-cycle call does nothing, but
-/// for skip(). A derived class declares its ports with addInput() and addOutput() before the pass
-/// is registered (later ones stay unknown to the renderer), overrides what it does itself, and
-/// reads and writes the protected members: `inputs` holds the current input values, `outputs` is
-/// where results go, `outputUsers` holds how many scheduled consumers each output has.
+/// It keeps ports, values, user counts and the error code. All life-cycle calls except skip() do
+/// nothing. A derived class overrides the calls that it needs. It declares its ports with
+/// addInput() and addOutput() before the pass is registered; the renderer does not see ports that
+/// are added later. It uses the protected members: `inputs` holds the current input values,
+/// `outputs` takes the results, `outputUsers` holds the number of scheduled consumers of each
+/// output.
 ///
-/// An index that names no port is harmless: queries answer an empty name or an invalid value, and
-/// setters ignore it. All operations take constant time, the look-ups and resetNumOutputUsers()
-/// time linear in the ports.
+/// An index without a port is harmless: queries return an empty name or an invalid value, and
+/// setters ignore it. Look-ups by name and resetNumOutputUsers() take time linear in the number of
+/// ports, all other operations take constant time.
 class ORV_EXPORT RenderPassHelper : public RenderPass
 {
 public:
@@ -42,7 +43,7 @@ public:
     void setup(RenderCallbacks* callbacks) override;
     void beginFrame(RenderCallbacks* callbacks) override;
     void start(RenderCallbacks* callbacks) override;
-    /// Logs, at debug level and on every call, that a derived class should have handled this.
+    /// Logs at debug level, on every call, that a derived class should override it.
     void skip(RenderCallbacks* callbacks) override;
     void endFrame(RenderCallbacks* callbacks) override;
     void teardown(RenderCallbacks* callbacks) override;
@@ -82,12 +83,13 @@ protected:
     QVector<QVariant> defaultValues;       ///< of each input
     QVector<NamedValue<QVariant>> outputs; ///< name and current value of each output
     QVector<int> outputUsers;              ///< number of scheduled consumers of each output
-    QElapsedTimer timer;                   ///< what frameTimer() answers
+    QElapsedTimer timer;                   ///< what frameTimer() returns
 
-    // Room that derived classes may use as they like; zero at first, never touched again here.
-    int reservedInt;           ///< room for the derived class
-    qint64 reservedWide;       ///< room for the derived class
-    qint64 reservedSlots[100]; ///< room for the derived class
+    // Derived classes may use these fields freely. They are zero at first; this class never uses
+    // them.
+    int reservedInt;           ///< free for the derived class
+    qint64 reservedWide;       ///< free for the derived class
+    qint64 reservedSlots[100]; ///< free for the derived class
 
     quint32 error; ///< 0 for none
 };
@@ -95,7 +97,7 @@ protected:
 } // namespace Orv
 } // namespace Kestrin
 
-/// A record of movable fields is movable itself: QVector grows without copying one by one.
+/// A record of movable fields is movable itself, so QVector grows without copying single records.
 template<typename T>
 class QTypeInfo<Kestrin::Orv::NamedValue<T>>
     : public QTypeInfoMerger<Kestrin::Orv::NamedValue<T>, QString, T>

@@ -18,76 +18,85 @@ class RenderPass;
 
 /// Owns a graph of render passes and runs it frame by frame.
 ///
-/// The graph's root node stands for the renderer: the root's inputs are the renderer's parameters,
-/// its outputs the renderer's outputs. Each registered pass is a node whose value is the pass's
-/// index (0, 1, ... in order of registration) and whose ports carry the pass's port names; a node
-/// that is no pass is a group. The host registers passes, groups, parameters and outputs, wires
-/// them through getGraph(), calls setup() once, render() once per frame and teardown() when it is
-/// done.
+/// The host registers passes, groups, parameters and outputs, and wires them through getGraph().
+/// Then it calls setup() once, render() once per frame, and teardown() at the end.
 ///
-/// The parameter "Orv_bool_staggeredFirstFrame" has a meaning of its own: while it is true, a frame
-/// starts at most one pass that was not started under it before, and skips all passes after it. So
-/// N passes come up in N frames. Passes once started count as started for the renderer's life, by
-/// node.
+/// The graph's root node represents the renderer: the root's inputs are the renderer's parameters,
+/// and the root's outputs are the renderer's outputs. Each registered pass is a node. The node's
+/// value is the pass's index (0, 1, ... in order of registration), and its ports have the names of
+/// the pass's ports. A node without a pass is a group.
 ///
-/// Every operation accepts every int. An index or a node that names nothing answers -1, 0, false,
-/// null or an invalid value, and setting it does nothing. A pass may call back into its renderer in
-/// any of its operations, but must not destroy it. The renderer is used from one thread at a time
-/// and calls its passes on that thread. It throws nothing of its own but std::bad_alloc; what a
-/// pass throws reaches the caller, and the next frame starts afresh.
+/// The parameter "Orv_bool_staggeredFirstFrame" switches the staggered first frame on. While it is
+/// true, a frame starts at most one pass that was not started under it before, and skips all passes
+/// after that one. So N passes start in N frames. The renderer remembers the started passes by
+/// node, as long as it exists.
+///
+/// Every operation accepts every int. For an index or a node that does not exist, queries return
+/// -1, 0, false, null or an invalid value, and setters do nothing. A pass may call its renderer
+/// from any of its operations, but must not destroy it. Only one thread at a time may use the
+/// renderer, which calls its passes on that thread. The renderer itself throws only std::bad_alloc.
+/// An exception from a pass reaches the caller, and the next frame starts from the first pass.
 class ORV_EXPORT Renderer
 {
 public:
-    /// A renderer whose graph holds the root alone.
+    /// A renderer whose graph holds only the root.
     Renderer();
     /// Deletes every registered pass, in order of registration, without calling teardown().
     virtual ~Renderer();
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;
 
-    /// Works out which passes the renderer's outputs and the target need, and in which order; hands
-    /// each of them its numbers of consumers and its inputs, and sets it up. If passes were
-    /// scheduled before, tears all passes down first. Linear in the nodes and edges upstream of the
-    /// outputs, times the depth of the groups crossed.
+    /// Determines which passes the renderer's outputs and the target need, and in which order.
+    /// Gives each of these passes its numbers of consumers and its inputs, and calls its setup().
+    /// If passes were scheduled before, tears all passes down first. Linear in the nodes and edges
+    /// upstream of the outputs and the target, times the depth of the groups crossed.
     virtual void setup(RenderCallbacks* callbacks);
-    /// Runs one frame: beginFrame(), the scheduled passes in their order until one fails, then the
-    /// renderer's outputs are taken from the passes that produce them, then endFrame().
+    /// Runs one frame. Calls beginFrame(), then runs the scheduled passes in their order until one
+    /// fails, then takes the renderer's outputs from the passes that produce them, then calls
+    /// endFrame().
     /// \return true when every scheduled pass ended with error code 0, and when there was none.
     virtual bool render(RenderCallbacks* callbacks);
-    /// Tears every registered pass down and forgets the execution order. Passes are not deleted.
+    /// Calls teardown() of every registered pass and forgets the execution order. Does not delete
+    /// passes.
     virtual void teardown(RenderCallbacks* callbacks);
-    /// 0 when no pass is registered; 1 while the staggered first frame is bringing passes up, that
-    /// is, while the number of enabled passes differs from the number of passes ever started under
-    /// it; otherwise 2. As a pass once started counts for ever, disabling it later keeps the mode
-    /// at
-    /// 1. Linear in the number of registered passes.
+    /// The progress of the staggered first frame:
+    /// - 0 when no pass is registered;
+    /// - 1 while the staggered first frame is on and the number of enabled passes differs from the
+    ///   number of passes ever started under it;
+    /// - 2 otherwise.
+    ///
+    /// A pass that was started once counts for ever, so disabling it later keeps the result at 1.
+    /// Linear in the number of registered passes.
     virtual int getGraphProcessingMode() const;
-    /// Reruns setup() when setEnabled() was called since. First call of each frame.
+    /// Opens a frame. Calls setup() first when setEnabled() was called after the last frame began.
     virtual void beginFrame(RenderCallbacks* callbacks);
-    /// Last call of each frame; does nothing here.
+    /// Closes a frame. Does nothing here.
     virtual void endFrame(RenderCallbacks* callbacks);
 
-    /// Registers a pass under \p parent, the root or a group, and takes ownership of it, whatever
-    /// the answer. Null makes a node without ports that is never called. Constant time.
-    /// \return the pass's node ref, or -1 when \p parent is not a valid node. Also -1, and nothing
-    /// changes, when this renderer owns the pass already: it stays with its first node. A pass that
-    /// another renderer owns must not be registered: both would delete it.
+    /// Registers a pass under \p parent, which is the root or a group. Takes ownership of the pass,
+    /// even when it returns -1. With null, makes a node without ports that is never called.
+    /// Constant time.
+    /// \return the pass's node ref, or -1 when \p parent is not a valid node. Also -1, without a
+    /// change, when this renderer already owns the pass: it stays with its first node. Do not
+    /// register a pass that another renderer owns: both would delete it.
     int addPass(const QString& name, RenderPass* pass, int parent);
-    /// Adds a group under \p parent, as Graph::addNode().
+    /// Adds a group under \p parent, like Graph::addNode().
     /// \return the group's node ref, or -1 when \p parent is not a valid node.
     int addGroup(const QString& name, int numInputs, int numOutputs, int parent);
-    /// Adds a parameter, which is an input of the root; nothing else may add inputs there.
+    /// Adds a parameter, which is an input of the root. No other call may add inputs to the root.
     /// \return the parameter's index, or -1 when the graph's root has been removed.
     int addParameter(const QString& name, const QVariant& value);
-    /// Adds an output of the renderer, invalid until a frame fills it.
+    /// Adds an output of the renderer. Its value is invalid until a frame fills it. No other call
+    /// may add outputs to the root.
     /// \return the output's index, or -1 when the graph's root has been removed.
     int addOutput(const QString& name);
 
-    /// The first direct child of the root of this name, pass or group; -1 if none. Linear.
+    /// The first direct child of the root with this name, pass or group; -1 if none. Linear in the
+    /// number of children.
     int findPass(const QString& name) const;
-    /// The first parameter of this name; -1 if none. Linear.
+    /// The first parameter with this name; -1 if none. Linear in the number of parameters.
     int findParameter(const QString& name) const;
-    /// The first output of this name; -1 if none. Linear.
+    /// The first output with this name; -1 if none. Linear in the number of outputs.
     int findOutput(const QString& name) const;
 
     /// Number of parameters.
@@ -105,25 +114,27 @@ public:
     /// An output's value as the last frame left it.
     QVariant output(int index) const;
 
-    /// Number of passes started or skipped by the current or last render(), not of those
-    /// registered.
+    /// Number of passes that the current or last render() started or skipped; not the number of
+    /// registered passes.
     int getNumPasses() const;
-    /// The pass of a node, which the renderer keeps owning; null when the node is no pass.
+    /// The pass of a node; null when the node has none. The renderer keeps ownership.
     RenderPass* renderPass(int node) const;
-    /// Whether the pass of \p node is enabled; passes are until setEnabled() says otherwise.
+    /// Whether the pass of \p node is enabled. Passes are enabled at first.
     bool enabled(int node) const;
     /// Enables or disables the pass of \p node and makes the next frame rerun setup(). A disabled
-    /// pass is not run, and its consumers take their defaults; what it needs upstream still runs.
+    /// pass does not run, and its consumers take their defaults. The passes upstream of it still
+    /// run.
     void setEnabled(int node, bool enabled);
-    /// Makes the next setup() schedule \p node and all that feeds its inputs, even when no output
-    /// needs it; -1 for none. For a group that is what feeds the group, not what lies inside it.
+    /// Makes the next setup() schedule \p node and all passes that feed its inputs, even when no
+    /// output needs them; -1 for no target. A group as a target schedules the passes that feed the
+    /// group, not the passes inside it.
     void setTarget(int node);
-    /// The node that setTarget() was given; -1 at first.
+    /// The last argument of setTarget(); -1 at first.
     int getTarget() const;
-    /// The renderer's own graph, for wiring and inspection, valid as long as the renderer. Edits
-    /// take effect at the next setup() as far as the execution order and the numbers of consumers
-    /// go; inputs are traced anew in every frame. After Graph::purge(), set the target anew and
-    /// call setup().
+    /// The renderer's graph, for wiring and inspection. Valid as long as the renderer. Inputs are
+    /// traced again in every frame, so they follow edits at once. The execution order and the
+    /// numbers of consumers change only at the next setup(). After Graph::purge(), set the target
+    /// again and call setup().
     Graph* getGraph();
 
 private:

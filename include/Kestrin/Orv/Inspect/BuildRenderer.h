@@ -25,8 +25,8 @@ namespace Inspect {
 /// The node that a pass is made for.
 struct PassRequest
 {
-    const NodeRecord& node; ///< what the document says of it; holds during the call
-    int ref;                ///< the node that it becomes in the renderer
+    const NodeRecord& node; ///< its record in the document; valid during the call
+    int ref;                ///< the ref of the node in the renderer
     QString path;           ///< its path, as Paths writes it
 };
 
@@ -34,14 +34,16 @@ struct PassRequest
 class ORV_INSPECT_EXPORT PassFactory
 {
 public:
-    /// Makes a pass for a node. Its ports must be those of the node, in number, order and name.
+    /// Makes a pass for a node. The pass must have the node's ports: the same number, order and
+    /// names.
     using Maker = std::function<RenderPass*(const PassRequest&)>;
 
-    /// Passes of this type are made by \p maker from now on.
+    /// From now on, \p maker makes the passes of this type.
     void add(const QString& type, const Maker& maker);
-    /// Passes of types that were not added are made by \p maker; without one they are a problem.
+    /// \p maker makes the passes of all types that were not added. Without a fallback,
+    /// buildRenderer() reports such types as problems.
     void setFallback(const Maker& maker);
-    /// A factory that makes a StandInPass of everything.
+    /// A factory that makes a StandInPass for every type.
     static PassFactory standIns();
 
     /// The maker for a type; null if there is none.
@@ -52,14 +54,15 @@ private:
     Maker fallback;
 };
 
-/// Builds what a snapshot shows in a renderer that holds nothing but its root: the document, read
-/// and built, gives a renderer whose snapshot is written as the same document. Removed nodes and
-/// edges are left out, so refs may differ.
-/// \return what stands in the way: types that the factory does not know, passes whose ports are not
-/// those of the document, a renderer that is not empty, edges that the graph refuses. When it is
-/// not empty, the renderer has been left as it was.
+/// Builds the graph of a snapshot in a renderer that holds only its root. If a document is read and
+/// built, the snapshot of the new renderer is written as the same document. Leaves out removed
+/// nodes and edges, so refs may differ.
+/// \param places where the parts of the snapshot stand in the document, for the problems.
+/// \return all problems: types that the factory does not know, passes whose ports differ from those
+/// of the document, a renderer that is not empty, edges that the graph refuses. If there is a
+/// problem, the renderer is not changed.
 ///
-/// Takes the time of the graph's own calls: Graph::addEdge() tests each edge for cycles.
+/// Takes the time of the calls of the graph: Graph::addEdge() tests each edge for cycles.
 ORV_INSPECT_EXPORT QVector<Problem> buildRenderer(const Snapshot& snapshot, Renderer& renderer,
                                                   const PassFactory& factory,
                                                   const Places& places = Places());

@@ -17,28 +17,29 @@ namespace Inspect {
 struct Change
 {
     QString code;   ///< stable and documented, such as "input-rewired"
-    QString path;   ///< what has changed, by its path; that of the older snapshot if it is gone
-    QString before; ///< what it was; empty for what is new
-    QString after;  ///< what it is; empty for what is gone
+    QString path;   ///< of the changed item; its path in the older snapshot if it was removed
+    QString before; ///< the old value; empty for a new item
+    QString after;  ///< the new value; empty for a removed item
 };
 
 /// All codes that diff() can report, in alphabetical order.
 ORV_INSPECT_EXPORT QVector<QString> diffCodes();
 
-/// What has changed from one snapshot to another, by name and not by ref: nodes and ports added,
-/// removed, renamed or moved to another group, inputs rewired, flags, types, defaults, parameters,
-/// outputs and the target changed. Empty for two that are written as the same document; the other
-/// way round, two without a change differ in the order of nodes and edges at most.
+/// Lists the changes from one snapshot to another, by name and not by ref: nodes and ports added,
+/// removed, renamed or moved to another group; inputs rewired; flags, types, defaults, parameters,
+/// outputs and the target changed. There are no changes between two snapshots that are written as
+/// the same document. Two snapshots without a change differ at most in the order of nodes and
+/// edges.
 ///
-/// Nodes are the same that have the same path; failing that, what looks alike from outside is taken
-/// for renamed or moved, and its children go with it. First come the changes of the renderer and of
-/// nodes that there are, in the order of the newer tree from the root down, then the nodes that are
-/// gone. Linear in what the snapshots hold and in the length of the texts; where many nodes have
-/// been renamed, their agreements are sorted as well.
+/// Nodes with the same path are the same node. Other nodes that look alike from outside are
+/// considered renamed or moved, and their children with them. The changes of the renderer and of
+/// nodes in the newer snapshot come first, in the order of the newer tree from the root down.
+/// Removed nodes come last. Linear in the size of the snapshots and in the length of the texts; if
+/// many nodes have been renamed, plus the time of sorting the candidates.
 ORV_INSPECT_EXPORT QVector<Change> diff(const Snapshot& before, const Snapshot& after);
 
-/// The changes for people: one line each, "code path: before -> after", ending with a line break;
-/// empty for none.
+/// The changes for people: one line each, "code path: before -> after", ending with a line break.
+/// Empty if there are none.
 ORV_INSPECT_EXPORT QString toText(const QVector<Change>& changes);
 /// The changes for programs: objects with the fields of Change, as strings.
 ORV_INSPECT_EXPORT QJsonArray toJson(const QVector<Change>& changes);

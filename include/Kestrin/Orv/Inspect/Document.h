@@ -15,57 +15,58 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A place in a document; line and column count from 1, columns in characters. 0 for no place.
+/// A place in a document. Line and column count from 1, columns in characters. 0 for no place.
 struct Place
 {
     int line = 0;   ///< from 1
     int column = 0; ///< from 1
 };
 
-/// Something wrong with a document.
+/// An error in a document.
 struct Problem
 {
     QString code; ///< stable and documented, such as "unknown-port"
     QString text; ///< for people, one line
-    Place place;  ///< where in the document; none if it is not about one place
+    Place place;  ///< where in the document; no place if it is not about one
 };
 
-/// Where the parts of a snapshot stand in the document that it was read from.
+/// The places of a snapshot's parts in the document that it was read from.
 struct Places
 {
-    QVector<Place> nodes;           ///< by node ref; the root's is that of the document
-    QVector<QVector<Place>> inputs; ///< by node ref and index; the root's are the parameters
+    QVector<Place> nodes;           ///< by node ref; for the root, the place of the document
+    QVector<QVector<Place>> inputs; ///< by node ref and index; for the root, the parameters
     QVector<QVector<Place>>
-        outputs;          ///< by node ref and index; the root's are the renderer's outputs
+        outputs;          ///< by node ref and index; for the root, the renderer's outputs
     QVector<Place> edges; ///< by edge ref
-    Place target;         ///< of the target; none if there is no target
+    Place target;         ///< of the target; no place if there is no target
 };
 
-/// Writes a snapshot as a document: JSON, the same bytes for the same snapshot everywhere. Removed
-/// nodes and edges are left out.
-/// \param losses told what a document cannot hold, if not null: values without a written form,
-/// edges between unrelated groups, nodes that are not listed by their parent, passes that several
-/// nodes share.
-/// Linear in what the snapshot holds.
+/// Writes a snapshot as a document in JSON. The same snapshot gives the same bytes on every system.
+/// Leaves out removed nodes and edges.
+/// \param losses if not null, gets everything that a document cannot hold: values without a written
+/// form, edges between unrelated groups, nodes that are not listed by their parent, passes that
+/// several nodes share.
+///
+/// Linear in the size of the snapshot.
 ORV_INSPECT_EXPORT QByteArray writeDocument(const Snapshot& snapshot,
                                             QVector<Problem>* losses = nullptr,
                                             const ValueTypes& types = ValueTypes());
 
-/// What came of reading a document.
+/// The result of reading a document.
 struct ReadResult
 {
     Snapshot snapshot;         ///< only the root when there are problems
-    Places places;             ///< where the parts of the snapshot stand in the document
-    QVector<Problem> problems; ///< in the order of their places; empty if all is well
+    Places places;             ///< the places of the snapshot's parts in the document
+    QVector<Problem> problems; ///< in the order of their places; empty on success
 };
 
-/// Reads a document. Everything wrong is reported at once, in the order of the text and without
-/// repetition: what follows from a problem reported already is not a problem of its own. Whatever
-/// the bytes are, the answer is a sound snapshot or at least one problem.
+/// Reads a document. Reports all problems at once, in the order of the text. Does not report a
+/// problem that only follows from another one. Any bytes may be read: the result is a sound
+/// snapshot or at least one problem.
 ///
-/// Edges must be such that a graph accepts them in the order of the document; one that it would
-/// refuse is reported with the rule that refuses it. Linear in the size of the document; where
-/// passes are wired in a cycle, the connections within the cycle are tried one by one.
+/// A graph must accept the edges in the order of the document. An edge that a graph would refuse is
+/// reported with the rule that refuses it. Linear in the size of the document. If passes form a
+/// cycle, the connections within the cycle are tried one by one.
 ORV_INSPECT_EXPORT ReadResult readDocument(const QByteArray& json,
                                            const ValueTypes& types = ValueTypes());
 

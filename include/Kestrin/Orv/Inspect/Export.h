@@ -6,9 +6,9 @@
 
 #include <Kestrin/Orv/QtVersion.h>
 
-/// ORV_INSPECT_EXPORT marks what libOrvInspect exports; everything else is hidden. It is empty in a
-/// static build, which defines ORV_CORE_STATIC for itself and its users. On Windows,
-/// OrvInspect_EXPORTS is defined where the library is built.
+/// ORV_INSPECT_EXPORT marks everything that libOrvInspect exports. All other symbols are hidden.
+/// The macro is empty in a static build, which defines ORV_CORE_STATIC for itself and its users. On
+/// Windows, the build of the library defines OrvInspect_EXPORTS.
 #if defined(ORV_CORE_STATIC)
 #    define ORV_INSPECT_EXPORT
 #elif defined(_WIN32)

@@ -12,11 +12,11 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A value of a type that this program does not know, as it stands in the document.
+/// A value whose type this program does not know. It is kept as the document has it.
 struct ForeignValue
 {
     QString type;     ///< the name of its type
-    QJsonValue value; ///< what stands for it
+    QJsonValue value; ///< the value in the document
 };
 
 } // namespace Inspect

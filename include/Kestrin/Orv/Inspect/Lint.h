@@ -12,17 +12,18 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// Something about a graph that is allowed but seldom meant.
+/// A probable mistake in a graph: something that the graph allows, but that its author seldom
+/// wants.
 struct Finding
 {
     QString code;  ///< stable and documented, such as "unread-output"
-    QString text;  ///< for people, one line, with everything named by its path
+    QString text;  ///< for people: one line that names everything by its path
     int node = -1; ///< the node that it is about
     PortRef port;  ///< the port, if it is about one; its node is -1 otherwise
     int edge = -1; ///< the edge, if it is about one
 };
 
-/// What a code means, in short.
+/// The meaning of a code, in short.
 struct LintCode
 {
     QString code;    ///< as Finding::code
@@ -32,9 +33,9 @@ struct LintCode
 /// All codes that lint() can report, in alphabetical order.
 ORV_INSPECT_EXPORT QVector<LintCode> lintCodes();
 
-/// Looks for everything that lintCodes() lists. Findings come in the order of the node table; those
-/// about one node come in the order: the node itself, its inputs, its outputs, edges that enter it.
-/// Linear in what the snapshot holds and in the length of the texts.
+/// Checks a snapshot for everything that lintCodes() lists. Findings come in the order of the node
+/// table. Findings about one node come in this order: the node itself, its inputs, its outputs, the
+/// edges that enter it. Linear in the size of the snapshot and in the length of the texts.
 ORV_INSPECT_EXPORT QVector<Finding> lint(const Snapshot& snapshot);
 
 } // namespace Inspect

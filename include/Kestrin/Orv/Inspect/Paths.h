@@ -13,7 +13,8 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// Names nodes and ports by paths, as documents, messages and commands do, and finds them again.
+/// Gives nodes and ports readable names, called paths, and finds them by these names. Documents,
+/// messages and commands use the same paths.
 ///
 ///     Bloom/Blur               the node Blur in the group Bloom
 ///     Bloom/Blur.color         its port
@@ -21,37 +22,38 @@ namespace Inspect {
 ///     Bloom/Blur[1]            the second of Bloom's children of that name
 ///     Bloom/Blur.color[0]      the first of Blur's inputs (or outputs) of that name
 ///
-/// Numbers in brackets stand only where names are not unique, and after an empty name. In a name
-/// the characters % / . [ ] and > are written as %25 %2F %2E %5B %5D %3E, control characters
-/// likewise. The path of the root is empty. A removed node is written with its ref,
-/// Bloom/Blur[removed 12], and so is one that its parent does not list, Bloom/Blur[unlisted 12];
-/// those paths are not found again.
+/// A number in brackets follows a name only if the name is not unique or empty. In a name, the
+/// characters % / . [ ] and > are written as %25 %2F %2E %5B %5D %3E, and control characters in the
+/// same way. The path of the root is empty. The path of a removed node has its ref,
+/// Bloom/Blur[removed 12], and so has the path of a node that its parent does not list,
+/// Bloom/Blur[unlisted 12]. Such paths cannot be found again.
 ///
-/// Keeps a reference to the snapshot, which must neither change nor go while this is used.
+/// Keeps a reference to the snapshot. The snapshot must neither change nor be destroyed while this
+/// object is in use.
 class ORV_INSPECT_EXPORT Paths
 {
 public:
-    /// Linear in what the snapshot holds.
+    /// Linear in the size of the snapshot.
     explicit Paths(const Snapshot& snapshot);
     ~Paths();
 
     /// The path of a node. Linear in its depth.
     QString node(int ref) const;
-    /// The path of an input; linear in the depth of the node.
+    /// The path of an input. Linear in the depth of the node.
     QString input(int node, int index) const;
-    /// The path of an output; linear in the depth of the node.
+    /// The path of an output. Linear in the depth of the node.
     QString output(int node, int index) const;
-    /// The path of a port.
+    /// The path of a port. Linear in the depth of the node.
     QString port(const PortRef& ref) const;
-    /// A name alone, as a part of a path.
+    /// A single name, escaped for use in a path.
     static QString escaped(const QString& name);
 
-    /// The nodes that a path names: none, one, or all that it may mean where it leaves out a number
-    /// in brackets. Removed nodes are not found. Linear in the length of the path and in what is
+    /// The nodes with this path: none, one, or several if the path leaves out a number in brackets.
+    /// Does not find removed nodes. Linear in the length of the path and in the number of nodes
     /// found.
     QVector<int> findNodes(const QString& path) const;
-    /// The ports that a path names, as above; inputs come first. An input and an output may have
-    /// the same path.
+    /// The ports with this path, in the same way. Inputs come first: an input and an output may
+    /// have the same path.
     QVector<PortRef> findPorts(const QString& path) const;
 
 private:

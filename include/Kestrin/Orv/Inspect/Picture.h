@@ -13,16 +13,17 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// The whole hierarchy as Graphviz text, UTF-8: groups as clusters, ports as cells of their node,
-/// and what runs, is disabled, not needed or failed distinguished by label and line style as well
-/// as colour. An input of a pass that takes its default says so, as does an edge that carries
-/// nothing.
+/// Draws the whole hierarchy as Graphviz text in UTF-8. Groups are clusters, and ports are cells of
+/// their node. Passes that run, are disabled, are not needed or have failed differ in label and
+/// line style as well as in colour. An input that takes its default and an edge that carries no
+/// value are marked.
 ///
-/// The same bytes for the same snapshot everywhere. Every name is escaped, and shortened to 48
-/// characters. Nodes that have not been removed are drawn once each, whatever their parents and
-/// children say; removed ones are left out.
+/// The same snapshot gives the same bytes on every system. Every name is escaped, and shortened to
+/// 48 characters. Each node is drawn once, even if parents and lists of children contradict each
+/// other. Removed nodes are left out.
 /// \param failed the nodes whose passes have failed.
-/// Linear in what the snapshot holds, beside predictSchedule().
+///
+/// Linear in the size of the snapshot, plus the time of predictSchedule().
 ORV_INSPECT_EXPORT QByteArray toGraphviz(const Snapshot& snapshot,
                                          const QVector<int>& failed = QVector<int>());
 

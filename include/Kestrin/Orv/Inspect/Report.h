@@ -15,24 +15,25 @@ namespace Inspect {
 
 class Trace;
 
-/// What a report shows.
+/// The content of a report.
 struct ReportContent
 {
     QString title;                      ///< "Render graph" if empty
-    const Snapshot* snapshot = nullptr; ///< null stands for one of an empty renderer
-    const Trace* trace = nullptr;       ///< frame times and timeline; none without it
-    /// The picture as SVG, as Graphviz draws it. It need not be trusted: only its shapes and texts
-    /// are taken over. Where there is none, or what is no SVG, the picture's text is shown.
+    const Snapshot* snapshot = nullptr; ///< null stands for an empty renderer
+    const Trace* trace = nullptr;       ///< for frame times and timelines; may be null
+    /// The picture as SVG, drawn by Graphviz. It need not be trusted: the report takes only its
+    /// shapes and texts. If it is empty or not SVG, the report shows the Graphviz text instead.
     QByteArray picture;
     QVector<int> failed; ///< the nodes whose passes have failed
 };
 
-/// A report on a graph and its frames as one HTML file, UTF-8, which loads nothing and runs
-/// nothing: the picture, each pass with its state, the reason and its times, a histogram of frame
-/// times and the timelines of the median and of the longest frame. Passes are matched with those of
-/// the trace by their paths, see Trace::namePasses(). The same bytes for the same content. Takes
-/// the time of sorting the frame times, and otherwise linear in what the snapshot and the trace
-/// hold and in the length of the paths.
+/// Writes a report on a graph and its frames as one HTML file in UTF-8. The report shows the
+/// picture, each pass with its state, the reason and its times, a histogram of frame times, and the
+/// timelines of the median and of the longest frame. The file loads nothing and runs nothing.
+///
+/// Passes of the snapshot and of the trace are matched by their paths, see Trace::namePasses(). The
+/// same content gives the same bytes. Linear in the size of the snapshot and the trace and in the
+/// length of the paths, plus the time of sorting the frame times.
 ORV_INSPECT_EXPORT QByteArray toHtml(const ReportContent& content);
 
 } // namespace Inspect

@@ -11,17 +11,18 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// What Renderer::setup() would do, worked out without calling a pass.
+/// The result of Renderer::setup(), predicted without calling a pass.
 struct Schedule
 {
     QVector<int> order;     ///< the nodes of the passes that run, in their order of execution
-    QVector<int> positions; ///< by node ref: its position in `order`; -1 for one that does not run
+    QVector<int> positions; ///< by node ref: its position in `order`; -1 if it does not run
     QVector<bool> needed; ///< by node ref: reached from an output or the target, disabled ones too
-    /// By node ref: the port that led to it first, an output of the renderer or an input of a node
-    /// that was reached before; its node is -1 for the target itself and for what is not needed.
+    /// By node ref: the port that led to it first. This is an output of the renderer, or an input
+    /// of a node that was reached before. Its node is -1 for the target itself and for nodes that
+    /// are not needed.
     QVector<PortRef> reachedBy;
-    /// By node ref and output index: the number of users that the pass is given; empty for nodes
-    /// that do not run.
+    /// By node ref and output index: the number of users that the pass gets. Empty for nodes that
+    /// do not run.
     QVector<QVector<int>> users;
 };
 

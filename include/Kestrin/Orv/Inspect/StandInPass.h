@@ -12,29 +12,30 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// A pass that has the ports and defaults of another and puts numbers through them.
+/// A pass that takes the place of another one: it has the same ports and defaults, and produces
+/// numbers.
 ///
-/// At every start each output becomes a number (a uint) that follows from the node's name, the
-/// output's index and the inputs' current values, so that a change anywhere upstream shows in
-/// everything downstream.
+/// At every start, each output becomes a number (a uint). The number depends on the node's name,
+/// the output's index and the current values of the inputs. So a change anywhere upstream changes
+/// all outputs downstream.
 class ORV_INSPECT_EXPORT StandInPass : public RenderPassHelper
 {
 public:
-    /// Stands in for the pass of a node.
+    /// Takes the place of the pass of a node.
     explicit StandInPass(const NodeRecord& node);
     ~StandInPass() override;
 
     void start(RenderCallbacks* callbacks) override;
-    /// Does nothing, silently.
+    /// Does nothing and logs nothing.
     void skip(RenderCallbacks* callbacks) override;
 
-    /// The type of the pass that it stands for.
+    /// The type of the pass that it replaces.
     QString type() const;
     /// Makes every start() take this long, in milliseconds.
     void setDuration(int milliseconds);
     /// Makes every start() end with this error code; 0 for success.
     void setFailure(unsigned int code);
-    /// What start() puts out for an output.
+    /// The number that start() gives an output.
     static uint number(const QString& name, int output, const QVector<QVariant>& inputs);
 
 private:

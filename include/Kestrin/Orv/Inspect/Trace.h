@@ -24,13 +24,14 @@ namespace Inspect {
 
 class Recording;
 
-/// A span of time: a frame, a call that a pass received, or the wait for it.
+/// A span of time: a frame, a call of a pass, or the wait for a pass.
 struct TraceEvent
 {
-    /// What the time went into. Setup and all that follows are the operations of RenderPass.
+    /// What the time was spent on. Setup and all later values are the operations of RenderPass.
     enum Kind {
         Frame,
-        Wait, ///< from the end of start() or skip() until isFinished() is true, if asked repeatedly
+        Wait, ///< from the end of start() or skip() until isFinished() is true, if called
+              ///< repeatedly
         Setup,
         BeginFrame,
         Start,
@@ -39,7 +40,7 @@ struct TraceEvent
         Teardown,
         TeardownContextData,
         Destructor,
-        IsFinished, ///< this and the following under Trace::EveryCall only
+        IsFinished, ///< this and the following only under Trace::EveryCall
         NumInputs,
         NumOutputs,
         InputName,
@@ -55,108 +56,110 @@ struct TraceEvent
         SetErrorCode
     };
 
-    Kind kind;              ///< what was called
+    Kind kind;              ///< what the time was spent on
     int pass;               ///< index of the pass in the trace; -1 for a frame
     int frame;              ///< number of the frame, from 0; -1 outside frames
-    unsigned int errorCode; ///< of an EndFrame: what errorCode() answered after it; 0 for success
+    unsigned int errorCode; ///< of an EndFrame: the result of errorCode() after it; 0 for success
     qint64 beginNs;         ///< since the trace was made
     qint64 endNs;           ///< since the trace was made; not before beginNs
 };
 
-/// Times of one pass or of the frames, in nanoseconds. Percentiles are values that occurred: the
-/// smallest one that so many percent of all do not exceed.
+/// Times of one pass or of the frames, in nanoseconds. A percentile is a value that occurred: the
+/// smallest value that this percentage of all values does not exceed.
 struct TraceSummary
 {
-    QString name;            ///< what the trace calls the pass; empty for frames
-    int count = 0;           ///< in how many frames it was called; all times are 0 if in none
-    qint64 total = 0;        ///< of all these frames
-    qint64 minimum = 0;      ///< of one frame
-    qint64 median = 0;       ///< half of the frames took no longer
+    QString name;       ///< the name of the pass in the trace; empty for frames
+    int count = 0;      ///< the number of frames in which it was called; all times are 0 if none
+    qint64 total = 0;   ///< of all these frames
+    qint64 minimum = 0; ///< of one frame
+    qint64 median = 0;  ///< half of the frames took no longer
     qint64 percentile90 = 0; ///< nine tenths of the frames took no longer
     qint64 percentile99 = 0; ///< 99 of 100 frames took no longer
     qint64 maximum = 0;      ///< of one frame
 };
 
-/// Records when the passes are called that stand behind a TracedPass.
+/// Records when passes are called, and for how long. Each recorded pass stands behind a TracedPass.
 ///
-/// Takes room for all its events when it is made, 32 bytes each, of which the system provides what
-/// is used: recording allocates nothing. When the room is full, recording stops until clear(), and
-/// what no longer fits is counted. The table of passes grows with each TracedPass that is made.
+/// Reserves memory for all its events when it is made, 32 bytes each. The system provides the
+/// memory as it is used, and recording allocates nothing. When the memory is full, recording stops
+/// until clear(), and the trace counts the events that did not fit. The table of passes grows with
+/// each new TracedPass.
 ///
-/// Used on the thread of the passes. Times are those of a steady clock.
+/// Use a trace only on the thread of its passes. Times come from a steady clock.
 class ORV_INSPECT_EXPORT Trace
 {
 public:
-    /// What is recorded; calls are counted in any case.
+    /// Which calls are recorded. All calls are counted in any case.
     enum Detail {
         LifeCycle, ///< setup, beginFrame, start, skip, endFrame, both teardowns, destructors, waits
         EveryCall  ///< all operations of RenderPass
     };
-    /// Tells the time in nanoseconds since whenever; must not throw. Times that run backwards count
-    /// as standing still.
+    /// Returns the time in nanoseconds since any fixed moment. Must not throw. If the clock runs
+    /// backwards, time counts as standing still.
     using Clock = std::function<qint64()>;
 
-    static const int kDefaultCapacity = 1000000; ///< how many events fit unless told otherwise
+    static const int kDefaultCapacity = 1000000; ///< the number of events that fit by default
 
-    /// A trace of kDefaultCapacity and LifeCycle.
+    /// A trace for kDefaultCapacity events that records LifeCycle.
     Trace();
-    /// A trace that holds up to \p capacity events, by a clock of the host's own if there is one.
+    /// A trace for up to \p capacity events. Uses the host's own clock if one is given.
     explicit Trace(int capacity, const Clock& clock = Clock());
-    /// Passes may outlive the trace: they go on without being recorded.
+    /// Passes may outlive the trace. Then their calls are no longer recorded.
     ~Trace();
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
 
-    /// Sets what is recorded of the calls that begin from now on.
+    /// Sets which calls are recorded from now on.
     void setDetail(Detail detail);
-    Detail detail() const; ///< what is recorded
+    Detail detail() const; ///< which calls are recorded
 
-    /// Opens a frame; before Renderer::render(). A frame that is still open, because something was
-    /// thrown, ends with the last thing recorded in it. Does nothing during a call of a traced
-    /// pass.
+    /// Opens a frame. Call it before Renderer::render(). If a frame is still open after an
+    /// exception, that frame ends with the last event recorded in it. Does nothing during a call of
+    /// a traced pass.
     void beginFrame();
-    /// Closes the frame; after Renderer::render(). Does nothing when none is open, and during a
-    /// call of a traced pass.
+    /// Closes the frame. Call it after Renderer::render(). Does nothing when no frame is open, and
+    /// during a call of a traced pass.
     void endFrame();
-    /// Forgets all events and counts, an open frame included; the next frame is number 0. Passes
-    /// and the time from which events count stay.
+    /// Removes all events and counts, and an open frame. The next frame has the number 0. Keeps the
+    /// passes, and the moment from which times count.
     void clear();
 
     /// Number of passes ever made with this trace.
     int numPasses() const;
-    /// What a pass is called; empty for one that there is not.
+    /// The name of a pass; empty for a pass that does not exist.
     QString passName(int pass) const;
-    /// Names all traced passes of a renderer by the paths of their nodes, in their traces. Linear
-    /// in what the renderer holds.
+    /// Names all traced passes of a renderer after the paths of their nodes, in their traces.
+    /// Linear in the size of the renderer's graph.
     static void namePasses(Renderer& renderer);
-    /// How often an operation of a pass was called, whatever was recorded; 0 for all that is none.
+    /// How often an operation of a pass was called, recorded or not; 0 for a pass or an operation
+    /// that does not exist.
     qint64 numCalls(int pass, TraceEvent::Kind operation) const;
 
-    /// What files call a kind of event: the operation's name, "frame", "wait" or "destructor".
-    /// Empty for what is no kind.
+    /// The name of a kind of event in files: the operation's name, "frame", "wait" or "destructor".
+    /// Empty for a kind that does not exist.
     static QString kindName(TraceEvent::Kind kind);
 
-    /// Number of events recorded, those included that have not ended yet.
+    /// Number of recorded events, including events that have not ended yet.
     int numEvents() const;
-    /// How many events did not fit.
+    /// Number of events that did not fit.
     qint64 numDropped() const;
-    /// The events that have ended, in the order in which they began; what lies within another comes
-    /// after it. Events never overlap in part. Linear.
+    /// The events that have ended, in the order in which they began. An event within another one
+    /// comes after it. Events never overlap in part. Linear in the number of events.
     QVector<TraceEvent> events() const;
 
-    /// One line for each pass in the order in which they were made: the time of its life-cycle
-    /// calls and of the wait for it, frame by frame. Calls within calls of the same pass count
-    /// once. Only frames that have ended and that were recorded to their end count, here and in
-    /// frames(). Takes the time of sorting the values.
+    /// The times of each pass, in the order in which the passes were made. The time of a pass in a
+    /// frame is the time of its life-cycle calls and of the wait for it. Calls within calls of the
+    /// same pass count once. Only frames that have ended and were recorded completely count, here
+    /// and in frames(). Takes the time of sorting the values.
     QVector<TraceSummary> passes() const;
-    /// What whole frames took.
+    /// The times of whole frames.
     TraceSummary frames() const;
 
-    /// The events as a file in the Trace Event format, which Perfetto and chrome://tracing open.
-    /// Throws std::bad_alloc when it exceeds a GiB, some eight million events.
+    /// The events as a file in the Trace Event format, for Perfetto and chrome://tracing. Throws
+    /// std::bad_alloc when the file exceeds 1 GiB, about eight million events.
     QByteArray toTraceEvents() const;
-    /// Writes that file piece by piece, of whatever size. Linear.
-    /// \return whether the device took all of it.
+    /// Writes that file piece by piece, without a limit in size. Linear in the number of events.
+    /// \return true when the device accepted all of it.
     bool writeTraceEvents(QIODevice& device) const;
 
 private:

@@ -17,29 +17,30 @@ namespace Inspect {
 
 class Trace;
 
-/// Stands between a renderer and a pass: hands every operation on, with its arguments and results,
-/// and has it recorded.
+/// Records the calls of a pass. It stands between the renderer and the pass: it passes every
+/// operation on, with its arguments and its result.
 class ORV_INSPECT_EXPORT TracedPass : public RenderPass
 {
 public:
-    /// \param trace where calls are recorded as long as it exists.
-    /// \param name what the trace calls the pass; see also Trace::namePasses().
-    /// \param pass handed over to this, whatever happens. Null stands for a RenderPassHelper.
+    /// \param trace records the calls, as long as it exists.
+    /// \param name the name of the pass in the trace; see also Trace::namePasses().
+    /// \param pass the pass to record. This object owns it from now on, even when the constructor
+    /// throws. Null stands for a RenderPassHelper.
     TracedPass(Trace& trace, const QString& name, RenderPass* pass);
-    /// Deletes the pass behind this.
+    /// Deletes the pass.
     ~TracedPass() override;
     TracedPass(const TracedPass&) = delete;
     TracedPass& operator=(const TracedPass&) = delete;
 
-    /// The pass behind this one, which this keeps owning.
+    /// The recorded pass. This object keeps ownership.
     RenderPass* pass() const;
-    /// The pass that does the work: what is behind \p pass if that is a TracedPass, and behind the
-    /// next one, and so on; else \p pass itself. Null for null.
+    /// The pass that does the work. If \p pass is a TracedPass, this is the pass behind it, through
+    /// any number of TracedPass objects; otherwise \p pass itself. Null for null.
     static const RenderPass* innermost(const RenderPass* pass);
     static RenderPass* innermost(RenderPass* pass); ///< the same
     /// The index of this pass in its trace.
     int index() const;
-    /// Changes what the trace calls this pass.
+    /// Changes the name of this pass in the trace.
     void setName(const QString& name);
 
     void setup(RenderCallbacks* callbacks) override;

@@ -19,26 +19,28 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// How values of types that JSON does not know are written and read.
+/// Converters between JSON and values of types that JSON does not have.
 ///
-/// Known from the start: bool, int, uint, qlonglong, qulonglong, float, double, QString,
-/// QStringList, QByteArray, QVariantList and QVariantMap. A value of another type is written
-/// through what the host has added here; failing that as the bytes of QDataStream; failing that it
-/// is lost, which writeDocument() tells. A reader that does not know a type keeps the value as it
-/// stands in the document (see ForeignValue) and writes it as it was.
+/// These types need no converter: bool, int, uint, qlonglong, qulonglong, float, double, QString,
+/// QStringList, QByteArray, QVariantList and QVariantMap. A value of another type is written with
+/// the converter that the host has added here. Without a converter, it is written as the bytes of
+/// QDataStream. Without stream operators, it is lost, and writeDocument() reports the loss. A
+/// reader that does not know a type keeps the value as the document has it (see ForeignValue) and
+/// writes it unchanged.
 class ORV_INSPECT_EXPORT ValueTypes
 {
 public:
-    /// Puts a value of a type into JSON.
+    /// Turns a value of a type into JSON.
     using ToJson = std::function<QJsonValue(const QVariant&)>;
-    /// Answers an invalid value for JSON that it cannot read.
+    /// Turns JSON into a value. Returns an invalid value for JSON that it cannot read.
     using FromJson = std::function<QVariant(const QJsonValue&)>;
 
-    /// \param type the type's name, as QVariant::typeName() answers it.
+    /// Adds the converters of a type.
+    /// \param type the type's name, as QVariant::typeName() returns it.
     void add(const QString& type, const ToJson& toJson, const FromJson& fromJson);
-    /// The converters of a type; null ones if it was not added.
+    /// The converter of a type to JSON; null if the type was not added.
     ToJson toJson(const QString& type) const;
-    /// As toJson(), the other way.
+    /// The converter of a type from JSON; null if the type was not added.
     FromJson fromJson(const QString& type) const;
 
 private:
