@@ -11,7 +11,8 @@
 namespace Kestrin {
 namespace Orv {
 
-/// @file Paths of the executable and its resources, and the library's versions. Both paths are
+/// @file
+/// Paths of the executable and its resources, and the library's versions. Both paths are
 /// determined on first use and kept for the life of the process. They have no lock: call these
 /// functions from one thread at a time.
 

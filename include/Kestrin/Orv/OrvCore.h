@@ -4,12 +4,14 @@
 #ifndef KESTRIN_ORV_ORVCORE_H
 #define KESTRIN_ORV_ORVCORE_H
 
-/// @file Includes every public header of libOrvCore.
+/// @file
+/// Includes every public header of libOrvCore.
 
-/// @namespace Kestrin The outer namespace of OrvCore.
+/// @namespace Kestrin
+/// The outer namespace of OrvCore.
 
-/// @namespace Kestrin::Orv The public interface of libOrvCore: a graph of render passes, and the
-/// renderer that runs it.
+/// @namespace Kestrin::Orv
+/// The public interface of libOrvCore: a graph of render passes, and the renderer that runs it.
 
 #include <Kestrin/Orv/Core.h>
 #include <Kestrin/Orv/Export.h>

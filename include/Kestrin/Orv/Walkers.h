@@ -14,7 +14,8 @@ namespace Orv {
 class Graph;
 struct WalkFrame;
 
-/// @file Three iterators over a graph's nodes. All are used in the same way:
+/// @file
+/// Three iterators over a graph's nodes. All are used in the same way:
 ///
 ///     for (BottomUpInputWalker walker(graph, node, true); walker.valid(); walker.next())
 ///         visit(walker.node());

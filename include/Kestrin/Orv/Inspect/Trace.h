@@ -109,7 +109,7 @@ public:
     Trace(const Trace&) = delete;
     Trace& operator=(const Trace&) = delete;
 
-    /// Sets which calls are recorded from now on.
+    /// Sets which of the calls that begin from now on are recorded.
     void setDetail(Detail detail);
     Detail detail() const; ///< which calls are recorded
 
