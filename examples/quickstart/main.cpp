@@ -7,14 +7,14 @@
 
 using namespace Kestrin::Orv;
 
-// A pass with one input and one output, which adds a number to what arrives.
+// A pass with one input and one output. It adds a number to the value of its input.
 class AddPass : public RenderPassHelper
 {
 public:
     explicit AddPass(int number)
         : added(number)
     {
-        addInput(QStringLiteral("value"), 0); // 0 is what it takes when nothing feeds it
+        addInput(QStringLiteral("value"), 0); // 0 is the default value
         addOutput(QStringLiteral("sum"));
     }
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// A parameter feeds a pass, and that pass another.
+// A parameter feeds a pass, and that pass feeds another.
 
 //! [register]
 #include "Passes.h"

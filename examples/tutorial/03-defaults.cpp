@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// Inputs that nothing live feeds take their defaults.
+// Inputs without a live source take their defaults.
 
 //! [register]
 #include "Passes.h"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// Two passes become a group, which the rest of the graph sees as one node.
+// Two passes form a group. The rest of the graph sees the group as one node.
 
 //! [group]
 #include "Passes.h"

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// A pass leaves out what nobody reads.
+// A pass skips the work for an output that nothing reads.
 
 //! [lamp]
 #include "Passes.h"
 
-/// A ball that also gives off light, for those who ask for it.
+/// A ball that also glows, if something reads the glow.
 class LampPass : public BallPass
 {
 public:
@@ -21,7 +21,7 @@ public:
     {
         BallPass::start(callbacks);
         if (outputUsers[glow] == 0)
-            return; // nobody reads it: the expensive part is left out
+            return; // nothing reads it: skip the expensive part
         std::printf("  compute the glow\n");
         QString row(width, QLatin1Char(' '));
         const int position = inputs[0].value.toInt();

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// A pass works on a thread of its own while its renderer waits for it.
+// A pass works on its own thread while the renderer waits for it.
 
 //! [stars]
 #include "Passes.h"

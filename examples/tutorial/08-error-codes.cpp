@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// A pass fails, and the frame ends with it.
+// A pass fails, and the frame ends after it.
 
 //! [strict]
 #include "Passes.h"
@@ -42,13 +42,13 @@ public:
 //! [strict]
 
 //! [report]
-/// Renders a frame and says which pass has ended it, if one has.
+/// Renders a frame and prints which pass failed, if any.
 void renderAndReport(Renderer& renderer)
 {
     const Graph* graph = renderer.getGraph();
     for (int node = 0; node < graph->numNodesGlobal(); ++node) {
         if (RenderPass* pass = renderer.renderPass(node))
-            pass->clearErrorCode(); // the renderer does so only for passes that it runs
+            pass->clearErrorCode(); // the renderer does this only for passes that it runs
     }
     if (renderer.render(nullptr))
         return;

@@ -1,12 +1,12 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// The slots of removed nodes and edges are given back.
+// Purging frees the slots of removed nodes and edges.
 
 //! [find]
 #include "Passes.h"
 
-/// The node of a pass, by the pass's index: the one thing that a purge leaves alone.
+/// The node of a pass, found by the pass's index, which a purge does not change.
 int nodeOfPass(const Graph& graph, int passIndex)
 {
     for (int slot = 0; slot < graph.numNodesGlobal(); ++slot) {

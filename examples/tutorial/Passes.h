@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// The passes that the steps of the tutorial share. A picture is one row of characters, in which a
-// blank is transparent.
+// The passes that the steps of the tutorial share. A picture is one row of characters. A blank is
+// transparent.
 
 //! [first]
 #pragma once
@@ -27,7 +27,7 @@ class BallPass : public RenderPassHelper
 public:
     BallPass()
     {
-        addInput(QStringLiteral("position"), 8); // 8 is what it takes when nothing feeds it
+        addInput(QStringLiteral("position"), 8); // 8 is the default value
         addOutput(QStringLiteral("color"));
     }
 
@@ -41,7 +41,7 @@ public:
 //! [first]
 
 //! [trail]
-/// Leaves behind what moves: what was "O" a frame ago becomes "o", then ".", then nothing.
+/// Draws a trail behind moving things: an "O" becomes "o" after a frame, then ".", then nothing.
 class TrailPass : public RenderPassHelper
 {
 public:
@@ -98,7 +98,7 @@ public:
 //! [over]
 
 //! [announced]
-/// Says what its renderer has it do in a frame.
+/// Prints the calls that the pass gets in a frame.
 template<typename Pass>
 class Announced : public Pass
 {
