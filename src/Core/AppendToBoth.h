@@ -9,7 +9,7 @@
 namespace Kestrin {
 namespace Orv {
 
-/// Appends to two lists that grow together or, when memory runs out, to neither.
+/// Appends to two lists that grow together. When memory runs out, appends to neither.
 template<typename ListA, typename A, typename ListB, typename B>
 void appendToBoth(ListA& first, A&& a, ListB& second, B&& b)
 {

@@ -16,7 +16,7 @@ namespace Orv {
 
 namespace {
 
-// Both are known once they are not empty.
+// A path is known when it is not empty.
 QString cachedExecutablePath;
 QString cachedResourcesPath;
 
@@ -32,7 +32,7 @@ QString executablePath()
     const ssize_t length = readlink("/proc/self/exe", buffer.get(), capacity);
     if (length < 0 || static_cast<std::size_t>(length) == capacity)
         ORV_CRITICAL("Could not obtain executablePath");
-    // A path that was cut short is taken all the same.
+    // A truncated path is used, too.
     buffer[length < 0 ? 0 : static_cast<std::size_t>(length)] = '\0';
     cachedExecutablePath = QString::fromUtf8(buffer.get());
     return cachedExecutablePath;
@@ -42,7 +42,7 @@ QString resourcesPath()
 {
     if (cachedResourcesPath.isEmpty()) {
         const QFileInfo executable(executablePath());
-        // For a file that is not there, some releases of Qt take "." for its directory.
+        // For a file that does not exist, some releases of Qt return "." as its directory.
         const QString directory = executable.exists() ? executable.canonicalPath() : QString();
         cachedResourcesPath = directory + QLatin1String("/Resources");
     }
@@ -54,8 +54,8 @@ void setResourcesPath(const QString& path)
     cachedResourcesPath = path;
 }
 
-// Strings that are handed out own their memory: a literal's would go with the library when a host
-// unloads it.
+// Returned strings own their memory: the memory of a literal is gone when a host unloads the
+// library.
 namespace CoreVersions {
 
 QString getVersion()

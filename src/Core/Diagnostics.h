@@ -12,21 +12,21 @@
 
 /// Log lines and soft assertions for the library's own sources.
 ///
-/// ORV_DEBUG(format, ...) and ORV_CRITICAL(format, ...) emit one message "[File.cpp:line] ..." at
-/// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) emits, only when the condition
-/// is false, one critical message that quotes it; execution goes on either way. Formats are
-/// printf's; strings are passed in the local 8-bit encoding (qPrintable). ORV_ASSERT_MESSAGE takes
-/// a QString in place of the format.
+/// ORV_DEBUG(format, ...) and ORV_CRITICAL(format, ...) log one message "[File.cpp:line] ..." at
+/// Qt's debug or critical level. ORV_ASSERT(condition, format, ...) logs one critical message that
+/// quotes the condition if it is false. Execution continues in any case. Formats are those of
+/// printf; strings are passed in the local 8-bit encoding (qPrintable). ORV_ASSERT_MESSAGE takes a
+/// QString instead of a format.
 ///
-/// A call of these macros stands on one line: which line number a call that spans lines is given
-/// differs between compilers.
+/// Write a call of these macros on one line: if a call spans lines, its line number differs between
+/// compilers.
 
 namespace Kestrin {
 namespace Orv {
 namespace Diagnostics {
 
-/// The logger behind every message. The source position travels in the text, so the context has
-/// none; it does have a category, which a default-constructed logger lacks.
+/// The logger of every message. The text contains the source position, so the context has none. The
+/// context has a category, which a default-constructed logger lacks.
 inline QMessageLogger logger()
 {
     return QMessageLogger(nullptr, 0, nullptr, "default");
@@ -52,7 +52,7 @@ inline QString assertionText(const char* condition, const QString& message)
 } // namespace Orv
 } // namespace Kestrin
 
-/// `text` is a QString that never serves as a format itself.
+/// `text` is a QString. It is never used as a format.
 #define ORV_LOG_LINE(level, text)                                                                  \
     Kestrin::Orv::Diagnostics::logger().level("[%s:%d] %s",                                        \
                                               Kestrin::Orv::Diagnostics::baseName(__FILE__),       \
@@ -64,10 +64,10 @@ inline QString assertionText(const char* condition, const QString& message)
 #define ORV_ASSERT(condition, ...)                                                                 \
     ORV_ASSERT_TEXT(condition, #condition, QString::asprintf(__VA_ARGS__))
 
-/// The message is an expression that is evaluated for a failure alone.
+/// The message is an expression that is evaluated only for a failure.
 #define ORV_ASSERT_MESSAGE(condition, message) ORV_ASSERT_TEXT(condition, #condition, message)
 
-/// The same with another text for the condition.
+/// As above, with another text for the condition.
 #define ORV_ASSERT_TEXT(condition, text, message)                                                  \
     do {                                                                                           \
         if (!(condition))                                                                          \

@@ -26,8 +26,8 @@ const int Graph::kInvalidGroupRef;
 
 namespace {
 
-/// Takes `value` out of a list that holds it once at most. What was listed last goes first in most
-/// removals, so the search begins at the back.
+/// Removes `value` from a list that holds it at most once. Most removals take the last entry first,
+/// so the search begins at the end.
 void removeOne(QVector<int>& list, int value)
 {
     const int position = list.lastIndexOf(value);
@@ -152,9 +152,9 @@ int Graph::addNode(const QString& name, int numInputs, int numOutputs, int paren
     return ref;
 }
 
-/// Marks a node and everything below it removed and lists them, parents before their children and
-/// siblings in their order. The mark keeps a node from being listed twice where the lists of
-/// children are no tree. When memory runs out, no mark is left.
+/// Marks a node and everything below it as removed and lists them, parents before their children
+/// and siblings in their order. The mark keeps a node from being listed twice if the lists of
+/// children do not form a tree. When memory runs out, no mark is left.
 QVector<int> Graph::Impl::markSubtreeRemoved(int ref)
 {
     QVector<int> subtree;
@@ -205,7 +205,7 @@ int Graph::parentNode(int node) const
 
 bool Graph::contains(int ancestor, int node) const
 {
-    // After a purge, parents may form a cycle: no line of ancestors is longer than the table.
+    // After a purge, parents may form a cycle. So no chain of ancestors is longer than the table.
     int steps = impl->nodes.size();
     for (int p = parentNode(node); p != kInvalidNodeRef && steps > 0; p = parentNode(p), --steps) {
         if (p == ancestor)
@@ -269,8 +269,7 @@ void Graph::setNodeValue(int node, int value)
         record->value = value;
 }
 
-// Inputs and outputs. What both sides share works on a list of ports, chosen by a pointer to
-// member.
+// Inputs and outputs. The shared code works on a list of ports, chosen by a pointer to member.
 
 namespace {
 
@@ -462,7 +461,7 @@ void Graph::setOutputGroupName(int node, int group, const QString& name)
 
 // Making and removing edges
 
-/// Adds an edge and hooks it to the ports at its ends.
+/// Adds an edge and connects it to the ports at its ends.
 int Graph::Impl::connect(Port& left, Port& entered, const Edge& edge)
 {
     const int ref = edges.size();
@@ -544,7 +543,7 @@ void Graph::Impl::removeEdge(int ref)
 void Graph::Impl::disconnect(const Port& port)
 {
     removeEdge(port.source);
-    // Counted: not every removal shortens this very list once ports have been deleted.
+    // Count down: after ports have been deleted, not every removal shortens this list.
     for (int position = port.destinations.size() - 1; position >= 0; --position)
         removeEdge(lookUp(port.destinations, position));
 }
@@ -601,7 +600,7 @@ int Graph::addDownEdgeByName(const QString& parentInputName, int childNode,
     };
     ORV_ASSERT_MESSAGE(isValidNode(childNode), names());
     ORV_ASSERT_MESSAGE(isValidInput(childNode, findInput(childNode, childInputName)), names());
-    // As a macro call, this condition is too long for a line.
+    // In a macro call, this condition would be too long for one line.
     const char* const isValidParentInput =
         "isValidInput(parentNode(childNode), findInput(parentNode(childNode), parentInputName))";
     const int parent = parentNode(childNode);
@@ -613,7 +612,7 @@ int Graph::addDownEdgeByName(const QString& parentInputName, int childNode,
 
 namespace {
 
-/// Connects inputs to the outputs of the same name, leaving out the ports that are not accepted.
+/// Connects inputs to the outputs of the same name. Leaves out ports that are not accepted.
 template<typename AcceptOutput, typename AcceptInput>
 void connectSiblings(Graph& graph, int srcNode, AcceptOutput acceptOutput, int dstNode,
                      AcceptInput acceptInput)
@@ -797,8 +796,8 @@ bool Graph::precedes(int upstreamNode, int downstreamNode, bool followHierarchy)
         return false;
     if (upstreamNode == downstreamNode)
         return true;
-    // Most answers need no search: a graph that is wired from the sources down asks about a node
-    // that feeds nothing yet.
+    // Most calls need no search: if a graph is wired from the sources down, the node feeds nothing
+    // yet.
     if (view.nodes[upstreamNode].numSourceEdges == 0)
         return false;
     return followHierarchy ? UpstreamSearch<true>(view, upstreamNode).run(downstreamNode)
@@ -840,7 +839,7 @@ void renumberEdges(QVector<Port>& ports, const QVector<int>& edgeMap)
 
 void Graph::purge()
 {
-    // All memory is taken before the first record moves.
+    // Allocate all memory before the first record moves.
     const QVector<int> nodeMap = numberLiveSlots(impl->nodes);
     const QVector<int> edgeMap = numberLiveSlots(impl->edges);
     QVector<Node> nodes;
@@ -853,7 +852,7 @@ void Graph::purge()
             continue;
         renumberEdges(node.inputs, edgeMap);
         renumberEdges(node.outputs, edgeMap);
-        // By position, not by value, and the parent not at all: see the header.
+        // By position and not by value; the parent is not changed. See the header.
         for (int position = 0; position < node.children.size(); ++position)
             node.children[position] = lookUp(nodeMap, position);
         node.numSourceEdges = 0;
@@ -866,7 +865,7 @@ void Graph::purge()
         edge.srcNode = lookUp(nodeMap, edge.srcNode);
         edge.dstNode = lookUp(nodeMap, edge.dstNode);
         edges.append(edge);
-        // Counted anew: with new refs and old parents, an edge may be of another kind.
+        // Count again: with new refs and old parents, an edge may be of another kind.
         if (Node* source = find(impl->nodes, edge.srcNode))
             source->numSourceEdges += impl->isSourceEdge(edge);
     }

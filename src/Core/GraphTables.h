@@ -11,7 +11,7 @@
 namespace Kestrin {
 namespace Orv {
 
-// The graph in memory: two flat tables that hold each other's positions, no pointers.
+// The graph in memory: two flat tables that refer to each other by position, without pointers.
 //
 //     nodes    0     1     2     3          edges    0     1     2
 //           +-----+-----+-----+-----+             +-----+-----+-----+
@@ -23,8 +23,8 @@ namespace Orv {
 //                                  +- inputs,       +- srcNode, srcIndex, dstNode, dstIndex
 //                                     outputs          name nodes and their ports
 //
-// Both tables only grow at their ends; purge() alone drops the removed slots. A default-constructed
-// record stands for "nothing there": it is what look-ups of a missing slot answer.
+// Both tables only grow at their ends. Only purge() drops the removed slots. A default-constructed
+// record means "nothing there": look-ups return it for a missing slot.
 
 struct Port
 {
@@ -73,7 +73,7 @@ bool hasIndex(const QVector<T>& list, int index)
     return static_cast<uint>(index) < static_cast<uint>(list.size());
 }
 
-/// What stands for a missing entry of a list: an empty record, an empty name or, in a list of refs,
+/// The value for a missing entry of a list: an empty record, an empty name or, in a list of refs,
 /// -1.
 template<typename T>
 Q_NEVER_INLINE const T& nothing()
@@ -89,22 +89,22 @@ inline const int& nothing<int>()
     return none;
 }
 
-/// The entry at any `index` whatever. With this one check in every read, no query can leave a
-/// table.
+/// The entry at `index`, which may be any number. Every read makes this check, so no query reads
+/// outside a table.
 template<typename T>
 const T& lookUp(const QVector<T>& list, int index)
 {
     return hasIndex(list, index) ? list.at(index) : nothing<T>();
 }
 
-/// The entry at `index` for changing, or null.
+/// The entry at `index`, to be changed, or null.
 template<typename T>
 T* find(QVector<T>& list, int index)
 {
     return hasIndex(list, index) ? &list[index] : nullptr;
 }
 
-/// The two tables and the plain questions to them.
+/// The two tables and the simple queries on them.
 struct GraphTables
 {
     QVector<Node> nodes;
@@ -127,8 +127,8 @@ struct GraphTables
     {
         return !edge.removed && node(edge.srcNode).parent == edge.dstNode;
     }
-    /// Whether a search upstream can end at the edge's source: walkAcross() follows regular edges
-    /// to their source, walkDown() follows up edges. Nothing else is ever found upstream.
+    /// Whether a search upstream can end at the edge's source. walkAcross() follows regular edges
+    /// to their source, walkDown() follows up edges. A search finds nothing else.
     bool isSourceEdge(const Edge& edge) const { return isRegular(edge) || isUp(edge); }
 };
 

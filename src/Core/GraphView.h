@@ -10,14 +10,13 @@
 namespace Kestrin {
 namespace Orv {
 
-/// The addresses of both tables, for the walks against the flow of data: the ordering query, the
-/// walkers and the renderer's frames consist of little else, so the walks are here to be inlined
-/// and what they read is to stay in registers. Lasts until the graph changes.
+/// The walks against the flow of data, on the addresses of both tables. The ordering query, the
+/// walkers and the renderer's frames spend most of their time in these walks. So the walks are
+/// inlined, and the addresses stay in registers. Valid until the graph changes.
 ///
-/// An edge that feeds a port enters the very node that owns the port, so the kind of the edge
-/// follows from its source alone. On a sound tree each step changes the level and a walk ends by
-/// itself. After a purge the parents may form a cycle, so no walk takes more steps than there are
-/// nodes.
+/// An edge that feeds a port enters the node that owns the port, so its source alone determines the
+/// kind of the edge. On a sound tree, each step changes the level, and a walk ends by itself. After
+/// a purge, the parents may form a cycle, so no walk takes more steps than there are nodes.
 struct GraphView
 {
     const Node* nodes;
@@ -53,7 +52,7 @@ struct GraphView
         return hasIndex(ports, port) ? sourceOf(firstOf(ports)[port]) : nullptr;
     }
 
-    /// An input, and what a walk needs to know to go on from it.
+    /// An input, with the data that a walk needs to continue from it.
     struct Input
     {
         int node;
@@ -79,7 +78,7 @@ struct GraphView
         }
         return from;
     }
-    /// Whether the input is fed by a sibling.
+    /// Whether a sibling feeds the input.
     bool crosses(const Input& from) const
     {
         return from.source && parentOf(from.source->srcNode) == from.parent;
@@ -126,9 +125,9 @@ struct GraphView
         return true;
     }
 
-    /// From an input of `owner` to the output that feeds it, the way precedes() and the walkers go:
-    /// the first half of walkToSourceNode(), or walkAcross() alone. Answers an edge whose source is
-    /// that output, of a node in the table; null when there is none.
+    /// From an input of `owner` to the output that feeds it, as precedes() and the walkers follow
+    /// it: the first half of walkToSourceNode(), or only walkAcross(). Returns an edge whose source
+    /// is that output, of a node in the table; null if there is none.
     const Edge* feedOf(const Node& owner, const Port& port, bool followHierarchy) const
     {
         Input from{-1, -1, owner.parent, sourceOf(port)};
@@ -154,10 +153,10 @@ struct GraphView
         return followHierarchy ? producerOf(feed->srcNode, feed->srcIndex) : feed->srcNode;
     }
 
-    // Prefetching, see there. A record takes two goes: first the lists of ports, and, once these
-    // are there, the edges that they name.
+    // Prefetching, see Prefetch.h. A record takes two steps: first the lists of ports and, when
+    // these have arrived, the edges that they name.
 
-    /// For a search that goes through a queue of nodes and follows their inputs; the next one is
+    /// For a search that goes through a queue of nodes and follows their inputs. The next node is
     /// `queue[0]`.
     Q_ALWAYS_INLINE void prefetchInputs(const int* queue, int length) const
     {
@@ -171,7 +170,7 @@ struct GraphView
         if (const Node* soon = node(queue[edgeDistance]))
             prefetchFirstEdge(soon->inputs);
     }
-    /// For a walk to or from a node, and through the groups that it lies in.
+    /// For a walk to or from a node, and through the groups around it.
     Q_ALWAYS_INLINE void prefetchPorts(int ref) const
     {
         for (int depth = 0; isBelowRoot(ref) && depth < numGroups; ++depth) {

@@ -16,9 +16,9 @@ constexpr quint32 bucketWidthUS = 500;
 constexpr quint32 highestBucketUS = 1000000;
 constexpr quint32 flushAfterUS = 60000000;
 
-// Two fields are also read without the mutex, by the early checks. They are plain numbers to
-// derived classes; here they are read and written as relaxed atomics are, so that no thread sees
-// half a number. The mutex orders all changes.
+// The early checks also read two fields without the mutex. For derived classes, these fields are
+// plain numbers. Here they are read and written like relaxed atomics, so that no thread sees half a
+// number. The mutex orders all changes.
 quint32 load(const quint32& field)
 {
 #if defined(__GNUC__)

@@ -15,7 +15,8 @@ namespace Orv {
 
 namespace {
 
-/// Whether a range lies inside a block and begins before its end. No sum, so nothing overflows.
+/// Whether a range lies inside a block and begins before its end. Adds no numbers, so nothing
+/// overflows.
 bool isInside(quint64 blockSize, quint64 offset, quint64 size)
 {
     return offset < blockSize && size <= blockSize - offset;
@@ -34,7 +35,7 @@ struct MemoryMappedFile::MappedFileState
     }
 
     QFile file;
-    quint64 fileSize; // as it was when the file was opened
+    quint64 fileSize; // the size when the file was opened
 };
 
 MemoryMappedFile::MemoryMappedFile(const QString& path)
@@ -54,7 +55,7 @@ MemoryMappedFile::~MemoryMappedFile()
 
 unsigned long MemoryMappedFile::size() const
 {
-    // With 32 bits, what lies beyond cannot be asked for.
+    // With 32 bits, a caller cannot name a range beyond this.
     const quint64 most = std::numeric_limits<unsigned long>::max();
     return static_cast<unsigned long>(std::min(state->fileSize, most));
 }

@@ -9,12 +9,12 @@
 #include <cstddef>
 #include <cstring>
 
-/// Prefetching, and all that the library knows of processors and of how a QVector lies in memory.
+/// Prefetching. Only this file depends on the processor and on the layout of a QVector in memory.
 ///
-/// On graphs that the caches do not hold, a walk waits for memory most of its time: each record
-/// that it reads names the address of the next one. Often the nodes that come up are known a few
-/// steps ahead, though, from a queue or from the execution order. Then their records can be on
-/// their way while the walk is busy with the nodes before them:
+/// On graphs that do not fit into the caches, a walk mostly waits for memory, because each record
+/// names the address of the next one. But a queue or the execution order often gives the next nodes
+/// a few steps ahead. Then their records can be loaded while the walk works on the nodes before
+/// them:
 ///
 ///     constexpr int distance = 4; // steps between the prefetch and the read
 ///     for (int i = 0; i < count; ++i) {
@@ -23,18 +23,18 @@
 ///         expand(nodes[queue[i]]);
 ///     }
 ///
-/// Prefetch only where the benchmarks show that it pays. It does in the searches (a third of the
-/// time for 20,000 nodes) and in frames (a quarter to a half for 10,000 passes in nested groups);
-/// in setup it brought a twentieth and went. For small graphs it costs some instructions and brings
+/// Prefetch only where the benchmarks show an improvement. It saves a third of the time in searches
+/// (20,000 nodes) and a quarter to a half in frames (10,000 passes in nested groups). In setup it
+/// saved only a twentieth and was removed. For small graphs, it costs some instructions and saves
 /// nothing.
 ///
-/// All functions here are inlined whatever happens: compilers take a function that only prefetches
-/// for one without effect, and drop its calls.
+/// All functions here are always inlined: compilers consider a function that only prefetches to be
+/// without effect, and drop its calls.
 
 namespace Kestrin {
 namespace Orv {
 
-/// Starts to load the cache line of an address, which may be any.
+/// Starts to load the cache line of an address. Any address is allowed.
 Q_ALWAYS_INLINE void prefetch(const void* address)
 {
 #if defined(__GNUC__)
@@ -45,7 +45,8 @@ Q_ALWAYS_INLINE void prefetch(const void* address)
 }
 
 /// The first entry of a list, found without reading the list's header: the address that constData()
-/// answers, one load earlier. Walks through nested groups save a tenth to a quarter by it.
+/// returns, one load earlier. This saves a tenth to a quarter of the time of walks through nested
+/// groups.
 template<typename T>
 Q_ALWAYS_INLINE const T* firstOf(const QVector<T>& list)
 {

@@ -129,7 +129,7 @@ int Renderer::addPass(const QString& name, RenderPass* pass, int parent)
     const int passIndex = impl->addPass(pass);
     Graph& graph = impl->graph;
 
-    // Two statements: the pass sees its outputs counted first.
+    // Two statements, so that the pass's outputs are counted first.
     const int numOutputs = pass ? pass->numOutputs() : 0;
     const int numInputs = pass ? pass->numInputs() : 0;
     const int node = graph.addNode(name, numInputs, numOutputs, parent);
@@ -205,7 +205,7 @@ void Renderer::setParameter(int index, const QVariant& value)
     if (index < 0 || index >= impl->parameters.size())
         return;
     const QVector<Port>& rootInputs = tablesOf(impl->graph).node(Graph::kRootNodeRef).inputs;
-    // Looked up anew: of several parameters of this name, the first alone counts here.
+    // Look it up again: of several parameters with this name, only the first counts here.
     if (index == findByName(rootInputs, staggeredFirstFrameName))
         impl->staggeredFirstFrame = value.toBool();
     impl->parameters[index] = value;
@@ -273,7 +273,7 @@ Renderer::Impl::~Impl()
         delete passes.at(i);
 }
 
-/// Takes over a pass and returns its index. A pass that cannot be kept is deleted.
+/// Takes ownership of a pass and returns its index. Deletes a pass that it cannot keep.
 int Renderer::Impl::addPass(RenderPass* pass)
 {
     std::unique_ptr<RenderPass> owned(pass);
@@ -301,8 +301,7 @@ void Renderer::Impl::walk(int node, RenderCallbacks*, QVector<bool>& visited)
     if (!visit(node))
         return;
 
-    // Depth first, with the path on a list of its own: a chain may be longer than the C stack is
-    // deep.
+    // Depth first, with the path in a list: a chain of passes may be too long for the C stack.
     struct Step
     {
         int node;
@@ -357,7 +356,8 @@ int Renderer::Impl::getActiveOutputUsers(int node, int output, const QVector<boo
         } else if (parent == Graph::kRootNodeRef) {
             ++count;
         } else {
-            // Out of a group: its readers, of whom as many are looked at as this output has edges.
+            // Out of a group: the first readers of the group's output, as many as this output has
+            // edges.
             const QVector<int>& readers = tables.output(parent, edge.dstIndex).destinations;
             const int numLookedAt = std::min(readers.size(), destinations.size());
             for (int i = 0; i < numLookedAt; ++i)
@@ -438,12 +438,12 @@ bool Renderer::Impl::render(int node, RenderCallbacks* callbacks)
     return pass->errorCode() == 0;
 }
 
-/// Prefetches what the passes after the one at `position` will need.
+/// Prefetches the data of the passes after the one at `position`.
 void Renderer::Impl::prefetchPasses(int position) const
 {
     constexpr int nodeDistance = 8;
-    constexpr int portDistance = 6; // and the pass, which is named by the node
-    constexpr int edgeDistance = 3; // named by the ports
+    constexpr int portDistance = 6; // and the pass, which the node names
+    constexpr int edgeDistance = 3; // which the ports name
     if (executionOrder.size() - position <= nodeDistance)
         return;
     const GraphView view(tablesOf(graph));
@@ -457,7 +457,7 @@ void Renderer::Impl::prefetchPasses(int position) const
 /// Runs the scheduled passes until one fails. They may change the execution order as they run.
 bool Renderer::Impl::renderAll(RenderCallbacks* callbacks)
 {
-    constexpr int leavingTheCaches = 256; // fewer passes stay in the caches from frame to frame
+    constexpr int leavingTheCaches = 256; // the data of fewer passes stays in the caches
     for (int i = 0; i < executionOrder.size(); ++i) {
         if (executionOrder.size() >= leavingTheCaches)
             prefetchPasses(i);

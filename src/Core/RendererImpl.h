@@ -17,11 +17,11 @@
 namespace Kestrin {
 namespace Orv {
 
-/// What a renderer owns, and the steps of its setup and of its frames.
+/// The data of a renderer, and the steps of its setup and of its frames.
 ///
-/// Passes may call back into the renderer from any of their operations. So nothing here keeps a
-/// reference or an iterator into a list across a call to a pass; loops count and ask for the size
-/// anew.
+/// Passes may call the renderer from any of their operations. So nothing here keeps a reference or
+/// an iterator into a list across a call of a pass. Loops count, and read the size again in each
+/// step.
 struct Renderer::Impl
 {
     QList<QVariant> parameters; // by index of the root's input
@@ -54,8 +54,8 @@ struct Renderer::Impl
         return hasPass(index) && passEnabled.at(index) ? passes.at(index) : nullptr;
     }
 
-    /// Appends the passes that `node` needs, and then its own, to the execution order.
-    /// `visited` holds a flag per node; what is flagged already has been dealt with.
+    /// Appends the passes that `node` needs, and then its own pass, to the execution order.
+    /// `visited` has a flag per node. Flagged nodes are done.
     ORV_EXPORT void walk(int node, RenderCallbacks* callbacks, QVector<bool>& visited);
     /// Number of consumers of an output among the visited nodes.
     ORV_EXPORT int getActiveOutputUsers(int node, int output, const QVector<bool>& visited);

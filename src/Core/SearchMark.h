@@ -7,11 +7,11 @@
 namespace Kestrin {
 namespace Orv {
 
-/// What a search upstream keeps of a node, in a byte: whether the node has been reached, and which
-/// output of it was traced last.
+/// The state of a node in a search upstream, in one byte: whether the node has been reached, and
+/// which of its outputs was traced last.
 ///
-/// The second saves work in groups: the readers of one group output lead to one producer, so the
-/// walk down into the group is made for the first reader and left out for the next ones.
+/// The second part saves work in groups. All readers of a group output lead to one producer, so the
+/// walk down into the group is needed only for the first reader.
 class SearchMark
 {
 public:
@@ -26,8 +26,8 @@ public:
         byte |= 1;
         return isNew;
     }
-    /// False when this very output is the one that was traced last. Outputs from 127 on do not fit
-    /// into the byte and are traced each time.
+    /// False when this output is the one that was traced last. Outputs from 127 on do not fit into
+    /// the byte and are traced each time.
     bool trace(int output)
     {
         const int number = output + 1;

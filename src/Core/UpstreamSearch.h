@@ -14,11 +14,11 @@
 namespace Kestrin {
 namespace Orv {
 
-/// The search of Graph::precedes(): breadth first, from one node to all that feed it.
+/// The search of Graph::precedes(): breadth first, from one node to all nodes that feed it.
 ///
-/// The nodes found stand in a list in the order in which they were found; those before `head` have
-/// been expanded. Each node is found once, so the list needs room for all nodes, and for one more,
-/// see searchAll(). Most searches find a handful of nodes: these take no memory from the heap.
+/// A list holds the nodes in the order in which they were found. Nodes before `head` have been
+/// expanded. Each node is found once, so the list needs space for all nodes, plus one, see
+/// searchAll(). Most searches find only a few nodes and take no memory from the heap.
 template<bool followHierarchy>
 class UpstreamSearch
 {
@@ -52,8 +52,8 @@ private:
     static constexpr int smallGraph = 512;
     static constexpr int handful = 16;
 
-    /// Stops when it is to find one node more than a handful; `head` is then the node in whose
-    /// inputs it stopped.
+    /// Stops when it would find more nodes than the small list holds. Then `head` is the node in
+    /// whose inputs it stopped.
     bool searchHandful(int* nodes)
     {
         for (; head < tail; ++head) {
@@ -73,7 +73,7 @@ private:
         return false;
     }
 
-    /// Goes on to the end. The loop works with locals alone, which stay in registers.
+    /// Continues to the end. The loop uses only local variables, which stay in registers.
     bool searchAll(const int* first, int* nodes, unsigned char* marks)
     {
         const GraphView graph = view;
@@ -99,8 +99,8 @@ private:
                 }
                 if (source == wanted)
                     return true;
-                // Whether a node is new is unpredictable, so this does not branch on it: a node
-                // found before is written into the room behind the list, and left there.
+                // Whether a node is new is unpredictable, so this does not branch on it. A node
+                // that was found before is written behind the end of the list and ignored.
                 nodes[end] = source;
                 end += SearchMark(marks[source]).reach();
             }
@@ -110,8 +110,8 @@ private:
 
     const GraphView view;
     const int wanted;
-    int head = 0; // of the nodes found, the next one to be expanded
-    int tail = 1; // how many have been found
+    int head = 0; // the next of the found nodes to be expanded
+    int tail = 1; // the number of found nodes
 };
 
 } // namespace Orv

@@ -7,7 +7,7 @@
 namespace Kestrin {
 namespace Orv {
 
-/// A node on the path of a bottom-up walker. The walker holds the top frame alone.
+/// A node on the path of a bottom-up walker. The walker itself holds only the top frame.
 struct WalkFrame
 {
     int node;

@@ -20,7 +20,7 @@ namespace Orv {
 
 namespace {
 
-/// Stands in front of the bytes of BottomUpInputWalker::visited, in the same block.
+/// The header in front of the bytes of BottomUpInputWalker::visited, in the same block.
 struct VisitedHead
 {
     int length;               // of `visited`
@@ -47,8 +47,8 @@ void deleteVisited(unsigned char* visited)
     delete[] reinterpret_cast<unsigned char*>(headOf(visited));
 }
 
-/// Marks a node of the graph as reached. False when it was before, or came to the graph only after
-/// the marks.
+/// Marks a node of the graph as reached. False if it was reached before, or was added to the graph
+/// after the marks were made.
 bool reach(unsigned char* visited, int node, int numNodes)
 {
     VisitedHead& head = *headOf(visited);
@@ -141,18 +141,18 @@ namespace {
 
 /// A frame of the subgraph walker. The top one holds the marks, if there are any.
 ///
-/// On a tree the walk reaches each node once by itself. After a purge a list of children begins
-/// with the refs 0, 1, 2 and so on, whatever these nodes are, and may lead back to nodes above it.
-/// Such a list shows by its first entry in the table, a ref that is not higher than the node's own:
-/// a list that only addNode() has filled holds higher refs. A node below a node of the second kind
-/// is of that kind, too. So the first node alone decides, and nothing but it has been reached by
-/// then.
+/// On a tree, the walk reaches each node once without marks. After a purge, a list of children
+/// begins with the refs 0, 1, 2 and so on, whatever these nodes are, and may lead back to nodes
+/// above it. The first entry that is in the table shows whether a purge has rewritten a list: then
+/// the ref is not higher than the node's own. In a list that only addNode() has filled, all refs
+/// are higher, and the lists of all nodes below are of this kind, too. So the first node of the
+/// walk decides, and no other node has been reached by then.
 struct SubgraphFrame : WalkFrame
 {
     std::unique_ptr<QBitArray> reached; // by node ref; null on a tree
 };
 
-/// Whether the walk is to go down into a child of the top frame's node.
+/// Whether the walk continues down into a child of the top frame's node.
 bool reach(SubgraphFrame& top, int child, int numNodes)
 {
     if (child < 0 || child >= numNodes)
@@ -294,8 +294,8 @@ void BreadthFirstInputWalker::next()
         const int source = view.feedingNode(node, input, followHierarchy);
         if (source == Graph::kInvalidNodeRef || source >= numNodes)
             continue;
-        // Whether a node is new is unpredictable, so this does not branch on it: a node reached
-        // before is written into the room behind the queue, and left there.
+        // Whether a node is new is unpredictable, so this does not branch on it. A node that was
+        // reached before is written behind the end of the queue and ignored.
         queue[end] = source;
         end += !visited[source];
         visited[source] = 1;
