@@ -49,9 +49,9 @@ QString anyValueText(const QVariant& value)
     default:
         break;
     }
-    const QString plain = plainValueText(value);
-    if (!plain.isNull())
-        return plain;
+    const QString scalar = scalarText(value);
+    if (!scalar.isEmpty())
+        return scalar;
     if (value.canConvert(QMetaType::QString) && value.userType() != QMetaType::QByteArray)
         return compactJson(value.toString());
     const int numShown = 64;

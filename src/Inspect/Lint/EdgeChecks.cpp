@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Lint/Checks.h"
+#include "Model/EdgeText.h"
 
 namespace Kestrin {
 namespace Orv {
@@ -36,7 +37,7 @@ void checkUnrelatedEdges(const LintFacts& facts, Findings& findings)
     for (int edge = 0; edge < facts.snapshot.edges.size(); ++edge) {
         if (!facts.snapshot.edges.at(edge).removed && facts.snapshot.kindOf(edge) == EdgeKind::None)
             findings.addEdge(edge,
-                             facts.edgeText(edge)
+                             edgeText(facts.paths, facts.snapshot, edge)
                                  + QLatin1String(" carries nothing: its ends are neither siblings "
                                                  "nor parent and child."));
     }

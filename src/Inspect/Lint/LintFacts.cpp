@@ -72,12 +72,6 @@ QString LintFacts::nameOf(int ref) const
     return ref == 0 ? QLatin1String("the root") : paths.node(ref);
 }
 
-QString LintFacts::edgeText(int ref) const
-{
-    return paths.port(snapshot.sourceOf(ref)) + QLatin1String(" -> ")
-        + paths.port(snapshot.destinationOf(ref));
-}
-
 QString counted(int number, const char* things)
 {
     return QString::number(number) + QLatin1Char(' ') + QLatin1String(things)

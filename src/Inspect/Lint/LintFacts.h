@@ -35,8 +35,6 @@ struct LintFacts
 
     /// The path of a node that may be the root or none at all.
     QString nameOf(int ref) const;
-    /// An edge by its ends.
-    QString edgeText(int ref) const;
 
     const Snapshot& snapshot;
     const Paths paths;
