@@ -37,8 +37,8 @@ Arguments::Arguments(const Command& command, const QStringList& words)
     if (positionalWords.size() < accepted.minimum)
         throw UsageError(QLatin1String("missing argument: needs ") + QLatin1String(accepted.usage));
     if (positionalWords.size() > accepted.maximum)
-        throw UsageError(QLatin1String("unexpected argument ")
-                         + positionalWords.at(accepted.maximum));
+        throw UsageError(QLatin1String("unexpected argument \"")
+                         + positionalWords.at(accepted.maximum) + QLatin1Char('"'));
 }
 
 void Arguments::readOptions(const QVector<Option>& known, const QStringList& words)

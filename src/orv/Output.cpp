@@ -5,6 +5,8 @@
 
 #include "Errors.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QSaveFile>
@@ -50,10 +52,23 @@ void Output::flush()
 
 void saveFile(const QString& file, const QByteArray& bytes)
 {
+    const auto check = [&file](bool succeeded, const QFileDevice& device) {
+        if (!succeeded)
+            throw SystemError(QLatin1String("cannot write \"") + file + QLatin1String("\": ")
+                              + device.errorString());
+    };
+
+    const QFileInfo existing(file);
+    if (existing.exists() && !existing.isFile() && !existing.isDir()) {
+        QFile device(file);
+        check(device.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+                  && device.write(bytes) == bytes.size(),
+              device);
+        return;
+    }
     QSaveFile saved(file);
-    if (!saved.open(QIODevice::WriteOnly) || saved.write(bytes) != bytes.size() || !saved.commit())
-        throw SystemError(QLatin1String("cannot write ") + file + QLatin1String(": ")
-                          + saved.errorString());
+    check(saved.open(QIODevice::WriteOnly) && saved.write(bytes) == bytes.size() && saved.commit(),
+          saved);
 }
 
 } // namespace Kestrin::Orv::Program

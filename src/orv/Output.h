@@ -26,8 +26,8 @@ private:
     QByteArray pending;
 };
 
-/// Writes a file as a whole: a failure leaves the old file unchanged. Throws a SystemError if that
-/// fails.
+/// Writes a file as a whole: a failure leaves the old file unchanged. A device or a pipe is not
+/// replaced but written directly. Throws a SystemError if that fails.
 void saveFile(const QString& file, const QByteArray& bytes);
 
 } // namespace Kestrin::Orv::Program

@@ -23,8 +23,8 @@ int runPicture(const Arguments& arguments, Output& output)
         arguments.has("output") ? QFileInfo(file).suffix().toLower() : QStringLiteral("svg");
     if (format != QLatin1String("svg") && format != QLatin1String("png")
         && format != QLatin1String("pdf"))
-        throw UsageError(QLatin1String("cannot write ") + file
-                         + QLatin1String(": the suffix must be .svg, .png or .pdf"));
+        throw UsageError(QLatin1String("cannot write \"") + file
+                         + QLatin1String("\": the suffix must be .svg, .png or .pdf"));
     const int timeout = arguments.number("timeout", 1, 60);
     const DotProgram dot;
     if (!dot.isInstalled())

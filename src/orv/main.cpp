@@ -62,7 +62,7 @@ int run(const QStringList& words, Output& output)
     const Command* command = findCommand(name);
     if (!command) {
         printError((name.isEmpty() ? QStringLiteral("missing command")
-                                   : QLatin1String("unknown command ") + name)
+                                   : QLatin1String("unknown command \"") + name + QLatin1Char('"'))
                    + QLatin1String(" (see orv help)"));
         return kError;
     }

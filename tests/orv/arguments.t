@@ -4,13 +4,13 @@ Without a command, or with an unknown command:
   ! orv: missing command (see orv help)
   ? 2
   $ orv paint
-  ! orv: unknown command paint (see orv help)
+  ! orv: unknown command "paint" (see orv help)
   ? 2
   $ orv help paint
-  ! orv: unknown command paint (see orv help)
+  ! orv: unknown command "paint" (see orv help)
   ? 2
   $ orv --json
-  ! orv: unknown command --json (see orv help)
+  ! orv: unknown command "--json" (see orv help)
   ? 2
 
 The version:
@@ -52,7 +52,7 @@ Options that are unknown or incomplete:
 Too many or too few positional arguments:
 
   $ orv lint scene.json new.json
-  ! orv lint: unexpected argument new.json (see orv help lint)
+  ! orv lint: unexpected argument "new.json" (see orv help lint)
   ? 2
   $ orv diff scene.json
   ! orv diff: missing argument: needs OLD NEW (see orv help diff)
@@ -61,7 +61,7 @@ Too many or too few positional arguments:
   ! orv explain: missing argument: needs FILE [NODE | NODE.PORT | FROM TO] (see orv help explain)
   ? 2
   $ orv explain scene.json A B C
-  ! orv explain: unexpected argument C (see orv help explain)
+  ! orv explain: unexpected argument "C" (see orv help explain)
   ? 2
 
 Words after -- are positional arguments:

@@ -23,5 +23,12 @@ A file is replaced as a whole or not at all:
   old
   ! broken.json:5:1: syntax: a comma or a closing bracket is expected here
   $ mkdir locked.svg; orv picture -o locked.svg scene.json
-  ! orv: cannot write locked.svg: Filename refers to a directory
+  ! orv: cannot write "locked.svg": Filename refers to a directory
   ? 2
+
+A pipe is written and not replaced:
+
+  $ mkfifo pipe.svg
+  > timeout 60 cat pipe.svg >copy &
+  > timeout 60 orv picture -o pipe.svg scene.json; wait; head -c 5 copy; test -p pipe.svg
+  <?xml(no line break)

@@ -21,10 +21,10 @@ The suffix of a file selects the format:
 Other suffixes are refused:
 
   $ orv picture -o scene.gif scene.json
-  ! orv picture: cannot write scene.gif: the suffix must be .svg, .png or .pdf (see orv help picture)
+  ! orv picture: cannot write "scene.gif": the suffix must be .svg, .png or .pdf (see orv help picture)
   ? 2
   $ orv picture -o scene scene.json
-  ! orv picture: cannot write scene: the suffix must be .svg, .png or .pdf (see orv help picture)
+  ! orv picture: cannot write "scene": the suffix must be .svg, .png or .pdf (see orv help picture)
   ? 2
 
 Without Graphviz:
@@ -54,7 +54,7 @@ Graphviz fails, crashes, takes too long, or does not start:
 If the file cannot be written or the document cannot be read, there is no new file:
 
   $ orv picture -o missing/scene.svg scene.json
-  ! orv: cannot write missing/scene.svg: No such file or directory
+  ! orv: cannot write "missing/scene.svg": No such file or directory
   ? 2
   $ orv picture -o broken.svg broken.json; ls broken.svg
   ! broken.json:5:1: syntax: a comma or a closing bracket is expected here

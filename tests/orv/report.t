@@ -42,5 +42,5 @@ A failure of Graphviz is reported, and the report is written:
 A file that cannot be written:
 
   $ orv report -o missing/report.html scene.json
-  ! orv: cannot write missing/report.html: No such file or directory
+  ! orv: cannot write "missing/report.html": No such file or directory
   ? 2

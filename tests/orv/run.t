@@ -207,7 +207,7 @@ The times of all calls are written to a file:
   "name":"Geometry endFrame"
   "name":"Geometry setup"
   $ orv run --trace missing/trace.json clean.json >/dev/null
-  ! orv: cannot write missing/trace.json: No such file or directory
+  ! orv: cannot write "missing/trace.json": No such file or directory
   ? 2
 
 Invalid values of options:
