@@ -18,6 +18,8 @@
 namespace Kestrin::Orv::Program {
 
 using Inspect::EdgeExplanation;
+using Inspect::EdgeKind;
+using Inspect::EdgeRecord;
 using Inspect::Explainer;
 using Inspect::InputExplanation;
 using Inspect::NodeExplanation;
@@ -124,14 +126,17 @@ Answer explainOutput(const Snapshot& snapshot, const Explainer& explainer, const
 
 // A new edge
 
-/// Whether the positions of two nodes in the hierarchy allow an edge between their ports.
-bool areRelated(const Snapshot& snapshot, const PortRef& from, const PortRef& to)
+/// Whether an edge between the nodes of two ports would leave the one port and enter the other.
+bool fit(const Snapshot& snapshot, const PortRef& from, const PortRef& to)
 {
-    const int fromParent = snapshot.node(from.node).parent;
-    const int toParent = snapshot.node(to.node).parent;
-    if (from.isOutput)
-        return to.isOutput ? fromParent == to.node : fromParent == toParent;
-    return !to.isOutput && toParent == from.node;
+    const EdgeKind kind = snapshot.kindBetween(from.node, to.node);
+    EdgeRecord edge;
+    edge.srcNode = from.node;
+    edge.srcIndex = from.index;
+    edge.dstNode = to.node;
+    edge.dstIndex = to.index;
+    return kind != EdgeKind::None && Snapshot::sourceOf(edge, kind) == from
+        && Snapshot::destinationOf(edge, kind) == to;
 }
 
 Answer explainEdge(const Explainer& explainer, const PortRef& from, const PortRef& to)
@@ -141,6 +146,7 @@ Answer explainEdge(const Explainer& explainer, const PortRef& from, const PortRe
             explanation.rule == EdgeExplanation::Accepted ? kSuccess : kFound};
 }
 
+/// The first input or output among the ports; its node is -1 if there is none.
 PortRef firstOf(const QVector<PortRef>& ports, bool isOutput)
 {
     const auto* const port =
@@ -161,7 +167,7 @@ Answer explainEdge(const Snapshot& snapshot, const Explainer& explainer,
         for (const bool toOutput : {true, false}) {
             const PortRef from = firstOf(sources, isOutput);
             const PortRef to = firstOf(destinations, toOutput);
-            if (from.node >= 0 && to.node >= 0 && areRelated(snapshot, from, to)) {
+            if (from.node >= 0 && to.node >= 0 && fit(snapshot, from, to)) {
                 leavesOutput = isOutput;
                 entersOutput = toOutput;
             }

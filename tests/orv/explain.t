@@ -229,15 +229,9 @@ A parameter, and an output of the renderer:
 
 An output of a pass that runs, and of a pass that does not run:
 
-  $ orv explain scene.json GBuffer.depth
+  $ orv explain scene.json GBuffer.depth | head -2
   GBuffer.depth is an output of a pass and has 1 user.
   GBuffer runs as 1 of 6, needed by the renderer's output Picture:
-    output Picture
-    output Tone.image
-    input Tone.image
-    output Light.image
-    input Light.color
-    output GBuffer.color
   $ orv explain scene.json Overlay.image
   Overlay.image is an output of a pass.
   Overlay does not run: no output of the renderer and no target leads to it. Make it the target or feed an output of the renderer from it, and it runs.

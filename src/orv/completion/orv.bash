@@ -3,12 +3,6 @@
 #
 # Completion of orv for bash. The commands and options come from the help of the program.
 
-# Prints the paths of the passes in a document.
-_orv_passes()
-{
-    [ -f "$1" ] && orv explain -- "$1" 2>/dev/null | cut -f 2
-}
-
 # Prints the document of the command line: the first word that is a file.
 _orv_document()
 {
@@ -18,10 +12,21 @@ _orv_document()
     done
 }
 
+# Offers the paths of the passes in the document that begin with $1.
+_orv_offer_passes()
+{
+    local document path
+    document=$(_orv_document)
+    [ -n "$document" ] || return
+    while IFS= read -r path; do
+        [[ $path == "$1"* ]] && COMPREPLY+=("$(printf %q "$path")")
+    done < <(orv explain -- "$document" 2>/dev/null | cut -f 2)
+}
+
 _orv()
 {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command=${COMP_WORDS[1]} name
+    local command=${COMP_WORDS[1]}
     COMPREPLY=()
 
     if [ "$COMP_CWORD" -eq 1 ] || { [ "$COMP_CWORD" -eq 2 ] && [ "$command" = help ]; }; then
@@ -32,9 +37,7 @@ _orv()
 
     case $previous in
     --slow | --fail | --disable)
-        while IFS= read -r name; do
-            [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")
-        done < <(_orv_passes "$(_orv_document)")
+        _orv_offer_passes "$current"
         [ "$previous" = --disable ] || compopt -o nospace
         return
         ;;
@@ -47,9 +50,7 @@ _orv()
             "$(orv help "$command" 2>/dev/null \
                 | sed -n 's/^  [- ].*\(--[a-z]*\).*/\1/p')" -- "$current")
     elif [ "$command" = explain ] && [ "$COMP_CWORD" -gt 2 ]; then
-        while IFS= read -r name; do
-            [[ $name == "$current"* ]] && COMPREPLY+=("$(printf %q "$name")")
-        done < <(_orv_passes "$(_orv_document)")
+        _orv_offer_passes "$current"
     else
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
