@@ -7,6 +7,7 @@
 #include "Document/EdgeReader.h"
 #include "Document/NodeIndex.h"
 #include "Document/ValueReader.h"
+#include "Model/Positions.h"
 #include "Model/ValueText.h"
 
 namespace Kestrin {
@@ -21,17 +22,16 @@ class GroupNames
 public:
     /// \param allKnown whether all names could be read
     GroupNames(const QVector<QString>& names, bool allKnown)
-        : complete(allKnown)
+        : positions(positionsOf(names))
+        , complete(allKnown)
     {
-        for (int i = 0; i < names.size(); ++i)
-            positions[names.at(i)].append(i);
     }
 
     QVector<int> find(const QString& name) const { return positions.value(name); }
     bool isComplete() const { return complete; }
 
 private:
-    QHash<QString, QVector<int>> positions;
+    Positions positions;
     bool complete;
 };
 

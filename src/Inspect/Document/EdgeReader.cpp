@@ -34,18 +34,15 @@ bool EdgeReader::readEnd(const QString& path, int item, const QString& where, En
     return end.node >= 0;
 }
 
-const EdgeReader::Positions& EdgeReader::portsByName(int node, bool isOutput)
+const Positions& EdgeReader::portsByName(int node, bool isOutput)
 {
     const auto key = qMakePair(node, isOutput);
-    auto names = positions.find(key);
-    if (names == positions.end()) {
-        names = positions.insert(key, Positions());
+    auto ports = portPositions.find(key);
+    if (ports == portPositions.end()) {
         const NodeRecord& record = snapshot.nodes.at(node);
-        const QVector<PortRecord>& ports = isOutput ? record.outputs : record.inputs;
-        for (int i = 0; i < ports.size(); ++i)
-            (*names)[ports.at(i).name].append(i);
+        ports = portPositions.insert(key, positionsOf(isOutput ? record.outputs : record.inputs));
     }
-    return *names;
+    return *ports;
 }
 
 /// The index of the port at one end of an edge; -1, and a problem, if there is none.
@@ -74,20 +71,18 @@ void EdgeReader::reportPort(const End& end, bool isOutput, bool isAmbiguous, int
     const bool isRoot = end.node == 0;
     const QLatin1String side(isOutput ? "output" : isRoot ? "parameter" : "input");
     const QString owner = isRoot ? QLatin1String("the renderer") : quoted(end.nodePath);
-    const auto numbered = [&end](int ordinal) {
-        return quoted(Paths::escaped(end.port.name) + QLatin1Char('[') + QString::number(ordinal)
-                      + QLatin1Char(']'));
-    };
     if (isAmbiguous)
         syntax.report(item, "ambiguous-port",
                       where + owner + QLatin1String(" has several ") + side
                           + QLatin1String("s called ") + quoted(end.port.name)
-                          + QLatin1String(": give a number, as in ") + numbered(0));
+                          + QLatin1String(": give a number, as in ")
+                          + quoted(pathSegmentText(end.port.name, 0)));
     else
-        syntax.report(
-            item, "unknown-port",
-            where + owner + QLatin1String(" has no ") + side + QLatin1Char(' ')
-                + (end.port.ordinal > 0 ? numbered(end.port.ordinal) : quoted(end.port.name)));
+        syntax.report(item, "unknown-port",
+                      where + owner + QLatin1String(" has no ") + side + QLatin1Char(' ')
+                          + (end.port.ordinal > 0
+                                 ? quoted(pathSegmentText(end.port.name, end.port.ordinal))
+                                 : quoted(end.port.name)));
 }
 
 void EdgeReader::read(int item)

@@ -5,6 +5,7 @@
 #define KESTRIN_ORV_INSPECT_EDGEREADER_H
 
 #include "Document/NodeIndex.h"
+#include "Model/Positions.h"
 
 namespace Kestrin {
 namespace Orv {
@@ -36,7 +37,6 @@ private:
         QString nodePath;
         PathSegment port;
     };
-    using Positions = QHash<QString, QVector<int>>;
 
     bool readEnd(const QString& path, int item, const QString& where, End& end);
     const Positions& portsByName(int node, bool isOutput);
@@ -49,8 +49,8 @@ private:
     NodeIndex& nodes;
     Snapshot& snapshot;
     QVector<EdgeRecord> edges;
-    Table<int> items;                             // by edge
-    QHash<QPair<int, bool>, Positions> positions; // by node and side, once asked for
+    Table<int> items;                                 // by edge
+    QHash<QPair<int, bool>, Positions> portPositions; // by node and side, once asked for
     QSet<QString> reportedPorts;
 };
 

@@ -5,8 +5,6 @@
 
 #include "Model/ValueText.h"
 
-#include <Kestrin/Orv/Inspect/Paths.h>
-
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -14,15 +12,6 @@
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
-
-namespace {
-
-QString numberedName(const QString& name, int ordinal)
-{
-    return Paths::escaped(name) + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
-}
-
-} // namespace
 
 /// The node that a path leads to. kSeveral if the path leaves out a number that it needs.
 int NodeIndex::resolve(const QString& path) const
@@ -105,7 +94,7 @@ void NodeIndex::reportRepetition(int item, const QString& path, int first)
                   quoted(path) + QLatin1String(" is already in line ")
                       + QString::number(syntax.place(at(entries, first).pathItem).line)
                       + QLatin1String("; number the nodes of one name, starting with ")
-                      + quoted(numberedName(segment.name, 0)));
+                      + quoted(pathSegmentText(segment.name, 0)));
 }
 
 void NodeIndex::add(const NodeRecord& node, const Entry& entry)
@@ -131,7 +120,7 @@ void NodeIndex::checkOrdinals()
         if (repeated.contains(path))
             continue;
         const QString right = path.left(path.lastIndexOf(QLatin1Char('/')) + 1)
-            + (needsNumber ? numberedName(node.name, position) : Paths::escaped(node.name));
+            + pathSegmentText(node.name, needsNumber ? position : PathSegment::kNoOrdinal);
         syntax.report(entry.pathItem, "wrong-number",
                       quoted(path) + QLatin1String(" must be ") + quoted(right)
                           + QLatin1String(" by the order of the entries"));

@@ -22,6 +22,9 @@ struct PathSegment
 
 PathSegment parsePathSegment(const QString& text);
 
+/// Writes one part of a path, with the number of the name in brackets if there is an ordinal.
+QString pathSegmentText(const QString& name, int ordinal);
+
 } // namespace Inspect
 } // namespace Orv
 } // namespace Kestrin

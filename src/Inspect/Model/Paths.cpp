@@ -5,6 +5,7 @@
 
 #include "Model/LookUp.h"
 #include "Model/PathSegment.h"
+#include "Model/Positions.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QPair>
@@ -17,9 +18,6 @@ namespace Orv {
 namespace Inspect {
 
 namespace {
-
-/// Where each name stands in a list.
-using Positions = QHash<QString, QVector<int>>;
 
 const int kUnique = PathSegment::kNoOrdinal;
 const int kUnlisted = -2;
@@ -50,25 +48,15 @@ QVector<int> chosen(const QVector<int>& positions, const PathSegment& segment)
     return {};
 }
 
-/// Adds to `name` which of its kind it is, if that is needed.
-QString numbered(const QString& name, int ordinal)
+} // namespace
+
+QString pathSegmentText(const QString& name, int ordinal)
 {
     const QString text = Paths::escaped(name);
     if (ordinal == kUnique)
         return name.isEmpty() ? QLatin1String("[0]") : text;
     return text + QLatin1Char('[') + QString::number(ordinal) + QLatin1Char(']');
 }
-
-Positions positionsOf(const QVector<PortRecord>& ports)
-{
-    Positions positions;
-    positions.reserve(ports.size());
-    for (int i = 0; i < ports.size(); ++i)
-        positions[ports.at(i).name].append(i);
-    return positions;
-}
-
-} // namespace
 
 PathSegment parsePathSegment(const QString& text)
 {
@@ -157,7 +145,7 @@ QString Paths::Impl::segment(int ref) const
     const NodeRecord& node = snapshot.node(ref);
     const int ordinal = ordinals.at(ref);
     if (ordinal != kUnlisted)
-        return numbered(node.name, ordinal);
+        return pathSegmentText(node.name, ordinal);
     return escaped(node.name)
         + (node.removed ? QLatin1String("[removed ") : QLatin1String("[unlisted "))
         + QString::number(ref) + QLatin1Char(']');
@@ -243,7 +231,7 @@ QString Paths::port(const PortRef& ref) const
         const QVector<int> same = impl->portsOfName(ref.node, ref.isOutput, name);
         // Ascending, and perhaps all ports of a node that has very many.
         const auto* const position = std::lower_bound(same.cbegin(), same.cend(), ref.index);
-        name = numbered(name, same.size() == 1 ? kUnique : int(position - same.cbegin()));
+        name = pathSegmentText(name, same.size() == 1 ? kUnique : int(position - same.cbegin()));
     } else {
         name = (ref.isOutput ? QLatin1String("[no output ") : QLatin1String("[no input "))
             + QString::number(ref.index) + QLatin1Char(']');

@@ -403,6 +403,7 @@ TEST(DiffValues, DefaultsAreComparedByTheLastBit)
     EXPECT_EQ(change(0.1, 0.1 + 1e-18), "");
     EXPECT_EQ(change(0.3, 0.1 + 0.2),
               "default-changed A.angle: double 0.3 -> double 0.30000000000000004\n");
+    EXPECT_EQ(change(1200000.0, 1e6), "default-changed A.angle: double 1200000 -> double 1e+06\n");
     EXPECT_EQ(change(0.0, -0.0), "default-changed A.angle: double 0 -> double -0\n");
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(change(nan, nan), "");
