@@ -49,7 +49,7 @@ QString anyValueText(const QVariant& value)
     default:
         break;
     }
-    const QString scalar = scalarText(value);
+    QString scalar = scalarText(value);
     if (!scalar.isEmpty())
         return scalar;
     if (value.canConvert(QMetaType::QString) && value.userType() != QMetaType::QByteArray)

@@ -294,6 +294,60 @@ bool readFloating(const QJsonValue& json, double& number)
     return json.isDouble();
 }
 
+bool readDouble(const QJsonValue& json, QVariant& value)
+{
+    double number = 0;
+    const bool isNumber = readFloating(json, number);
+    value = number;
+    return isNumber;
+}
+
+bool readFloat(const QJsonValue& json, QVariant& value)
+{
+    double number = 0;
+    if (!readFloating(json, number))
+        return false;
+    const bool tooLarge = std::isfinite(number)
+        && std::fabs(number) > static_cast<double>(std::numeric_limits<float>::max());
+    value = QVariant::fromValue(tooLarge ? 0.0F : static_cast<float>(number));
+    return !tooLarge;
+}
+
+bool readByteArray(const QJsonValue& json, QVariant& value)
+{
+    QByteArray bytes;
+    const bool isBase64 = json.isString() && fromBase64(json.toString(), bytes);
+    value = bytes;
+    return isBase64;
+}
+
+bool readStringList(const QJsonValue& json, QVariant& value)
+{
+    QStringList list;
+    const QJsonArray array = json.toArray();
+    for (const QJsonValue& element : array) {
+        if (!element.isString())
+            return false;
+        list.append(element.toString());
+    }
+    value = list;
+    return json.isArray();
+}
+
+/// A value of a type without a converter: from its bytes, if the type is known, otherwise a
+/// ForeignValue.
+QVariant readOther(const QString& name, int type, const QJsonValue& json)
+{
+    QByteArray bytes;
+    QVariant value;
+    const QJsonObject object = json.toObject();
+    if (object.size() == 1 && fromBase64(object.value(streamKey()).toString(), bytes))
+        value = fromBytes(type, bytes);
+    if (!value.isValid() && !json.isUndefined())
+        value = QVariant::fromValue(ForeignValue{name, json});
+    return value;
+}
+
 } // namespace
 
 bool isValueList(const QString& type)
@@ -328,55 +382,24 @@ bool readValue(const QString& type, const QJsonValue& json, const ValueTypes& ty
         return readInteger<qlonglong>(json, value);
     case QMetaType::ULongLong:
         return readInteger<qulonglong>(json, value);
-    case QMetaType::Float: {
-        double number = 0;
-        if (!readFloating(json, number))
-            return false;
-        const bool tooLarge = std::isfinite(number)
-            && std::fabs(number) > static_cast<double>(std::numeric_limits<float>::max());
-        value = QVariant::fromValue(tooLarge ? 0.0F : static_cast<float>(number));
-        return !tooLarge;
-    }
-    case QMetaType::Double: {
-        double number = 0;
-        const bool isNumber = readFloating(json, number);
-        value = number;
-        return isNumber;
-    }
+    case QMetaType::Float:
+        return readFloat(json, value);
+    case QMetaType::Double:
+        return readDouble(json, value);
     case QMetaType::QString:
         value = json.toString();
         return json.isString();
-    case QMetaType::QByteArray: {
-        QByteArray bytes;
-        const bool isBase64 = json.isString() && fromBase64(json.toString(), bytes);
-        value = bytes;
-        return isBase64;
-    }
-    case QMetaType::QStringList: {
-        QStringList list;
-        const QJsonArray array = json.toArray();
-        for (const QJsonValue& element : array) {
-            if (!element.isString())
-                return false;
-            list.append(element.toString());
-        }
-        value = list;
-        return json.isArray();
-    }
+    case QMetaType::QByteArray:
+        return readByteArray(json, value);
+    case QMetaType::QStringList:
+        return readStringList(json, value);
     default:
         break;
     }
-    if (const ValueTypes::FromJson convert = types.fromJson(type)) {
+    if (const ValueTypes::FromJson convert = types.fromJson(type))
         value = convert(json);
-        return value.isValid();
-    }
-    QByteArray bytes;
-    const QJsonObject object = json.toObject();
-    value = QVariant();
-    if (object.size() == 1 && fromBase64(object.value(streamKey()).toString(), bytes))
-        value = fromBytes(id, bytes);
-    if (!value.isValid() && !json.isUndefined())
-        value = QVariant::fromValue(ForeignValue{type, json});
+    else
+        value = readOther(type, id, json);
     return value.isValid();
 }
 
