@@ -482,8 +482,8 @@ void NodeMatcher::matchRenamedPorts()
         matchPort(ports.first, ports.second);
 }
 
-/// The older port that a newer one is, or probably is: a port without a match may have been
-/// renamed, and so stands for the older port at its index.
+/// The match of a newer port, or its probable match: a port without one may have been renamed, so
+/// this is the older port at the same index.
 PortRef NodeMatcher::likelyMatch(const PortRef& newer) const
 {
     if (newer.node < 0 || !after.isMatched(newer.node))

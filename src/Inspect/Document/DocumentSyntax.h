@@ -67,7 +67,7 @@ public:
     /// Reads a whole number.
     bool readInt(int item, const char* what, int& number);
 
-    /// The values of some keys of an object. The first counts where a key stands twice.
+    /// The values of some keys of an object. Of a duplicate key, the first value.
     DocumentMembers members(int object, std::initializer_list<const char*> keys) const;
     /// Reports the keys of an object that are not among its members.
     void reportUnknownKeys(int object, const DocumentMembers& members);

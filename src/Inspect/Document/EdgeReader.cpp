@@ -4,9 +4,6 @@
 #include "Document/EdgeReader.h"
 
 #include "Model/ValueText.h"
-#include "Rules/EdgeCheck.h"
-
-#include <Kestrin/Orv/Inspect/Paths.h>
 
 #include <QtCore/QStringList>
 
@@ -127,40 +124,45 @@ QVector<Place> EdgeReader::addAll()
     EdgeCheck check(snapshot, edges);
     const Paths paths(snapshot);
     for (int i = 0; i < edges.size(); ++i) {
-        const EdgeRecord& edge = edges.at(i);
-        const int item = at(items, i);
-        const EdgeCheck::Verdict verdict = check.add(edge);
-        if (verdict == EdgeCheck::Accepted) {
-            places.append(syntax.place(item));
-            continue;
-        }
-        const QString where = startOf(item);
-        const EdgeKind kind = snapshot.kindBetween(edge.srcNode, edge.dstNode);
-        const PortRef from = Snapshot::sourceOf(edge, kind);
-        const PortRef to = Snapshot::destinationOf(edge, kind);
-        if (verdict == EdgeCheck::AlreadyFed) {
-            syntax.report(item, "already-fed",
-                          where + paths.port(to) + QLatin1String(" is already fed by ")
-                              + paths.port(snapshot.sourceOf(snapshot.port(to).source)));
-        } else if (verdict == EdgeCheck::LeavesGroup) {
-            const int oldest = snapshot.port(from).destinations.value(0, -1);
-            syntax.report(
-                item, "leaves-group",
-                where + paths.port(from) + QLatin1String(" already feeds ")
-                    + paths.port(snapshot.destinationOf(oldest))
-                    + QLatin1String(" of its group; list its edges to siblings before that one"));
-        } else {
-            QStringList names;
-            const QVector<PortRef> cycle = check.cycle();
-            for (const PortRef& port : cycle)
-                names.append(paths.port(port));
-            names.append(names.first());
-            syntax.report(item, "cycle",
-                          where + QLatin1String("this edge closes the cycle ")
-                              + names.join(QLatin1String(" -> ")));
-        }
+        const EdgeCheck::Verdict verdict = check.add(edges.at(i));
+        if (verdict == EdgeCheck::Accepted)
+            places.append(syntax.place(at(items, i)));
+        else
+            reportRefused(i, verdict, check, paths);
     }
     return places;
+}
+
+void EdgeReader::reportRefused(int edge, EdgeCheck::Verdict verdict, const EdgeCheck& check,
+                               const Paths& paths)
+{
+    const int item = at(items, edge);
+    const EdgeRecord& record = edges.at(edge);
+    const EdgeKind kind = snapshot.kindBetween(record.srcNode, record.dstNode);
+    const PortRef from = Snapshot::sourceOf(record, kind);
+    const PortRef to = Snapshot::destinationOf(record, kind);
+    if (verdict == EdgeCheck::AlreadyFed) {
+        const PortRef feeder = snapshot.sourceOf(snapshot.port(to).source);
+        syntax.report(item, "already-fed",
+                      startOf(item) + paths.port(to) + QLatin1String(" is already fed by ")
+                          + paths.port(feeder));
+    } else if (verdict == EdgeCheck::LeavesGroup) {
+        const int oldest = snapshot.port(from).destinations.value(0, -1);
+        syntax.report(
+            item, "leaves-group",
+            startOf(item) + paths.port(from) + QLatin1String(" already feeds ")
+                + paths.port(snapshot.destinationOf(oldest))
+                + QLatin1String(" of its group; list its edges to siblings before that one"));
+    } else {
+        QStringList names;
+        const QVector<PortRef> cycle = check.cycle();
+        for (const PortRef& port : cycle)
+            names.append(paths.port(port));
+        names.append(names.first());
+        syntax.report(item, "cycle",
+                      startOf(item) + QLatin1String("this edge closes the cycle ")
+                          + names.join(QLatin1String(" -> ")));
+    }
 }
 
 } // namespace Inspect

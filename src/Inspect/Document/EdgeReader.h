@@ -6,6 +6,9 @@
 
 #include "Document/NodeIndex.h"
 #include "Model/Positions.h"
+#include "Rules/EdgeCheck.h"
+
+#include <Kestrin/Orv/Inspect/Paths.h>
 
 namespace Kestrin {
 namespace Orv {
@@ -43,6 +46,8 @@ private:
     int findPort(const End& end, bool isOutput, int item, const QString& where);
     void reportPort(const End& end, bool isOutput, bool isAmbiguous, int item,
                     const QString& where);
+    void reportRefused(int edge, EdgeCheck::Verdict verdict, const EdgeCheck& check,
+                       const Paths& paths);
     QString startOf(int item) const;
 
     DocumentSyntax& syntax;

@@ -18,8 +18,8 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// The nodes of a document by their paths, while the document is being read. Reports paths that
-/// cannot be, and paths that lead to no node.
+/// Finds the nodes of a document by their paths, while the document is being read. Reports invalid
+/// paths, and paths that lead to no node.
 ///
 /// Every problem is reported once, at the first item that has it. What may follow from a problem
 /// that has been reported is not reported.
@@ -48,7 +48,8 @@ public:
     bool readPath(int item, NodeRecord& node, Entry& entry);
     /// Adds the node of an entry whose path has been read. Its ref is the next one.
     void add(const NodeRecord& node, const Entry& entry);
-    /// Takes note of an entry without a path: from now on it may be any node that is missing.
+    /// Notes that the path of an entry could not be read. Any missing node may be that one, so no
+    /// missing node is reported from now on.
     void setIncomplete() { complete = false; }
     /// Reports numbers in paths that do not follow the order of the entries.
     void checkOrdinals();
