@@ -23,7 +23,7 @@ QString valueText(const QVariant& value)
     const int longest = 60;
     if (!value.isValid())
         return latin1("no value");
-    const QString scalar = scalarText(value);
+    QString scalar = scalarText(value);
     if (!scalar.isEmpty())
         return scalar;
     if (value.userType() == QMetaType::QString)

@@ -69,6 +69,7 @@ public:
         , numFrames(sorted.size())
         , bins(sorted)
         , most(*std::max_element(bins.counts.cbegin(), bins.counts.cend()))
+        , gridStep(qMax(1, static_cast<int>(roundedUp(most / 4.0))))
     {
     }
 
@@ -76,6 +77,7 @@ public:
 
 private:
     void writeGrid();
+    void writeGridLabels();
     void writeBars();
     void writeMark(const QByteArray& kind, const QByteArray& name, qint64 time, int textY);
     void writeAxis();
@@ -87,18 +89,25 @@ private:
     const int numFrames;
     const Bins bins;
     const int most; // frames in a bin
+    const int gridStep;
     QByteArray out;
 };
 
 void Histogram::writeGrid()
 {
-    const int step = qMax(1, static_cast<int>(roundedUp(most / 4.0)));
-    for (int frames = step; frames <= most; frames += step) {
-        const bool isHighest = frames + step > most;
+    for (int frames = gridStep; frames <= most; frames += gridStep) {
         out += "<line class='grid' x1='0' x2='100%' y1='" + number(y(frames)) + "' y2='"
-            + number(y(frames)) + "'/><text class='quiet halo' x='0' y='" + number(y(frames) - 4)
-            + "'>" + count(frames) + (isHighest ? frames == 1 ? " frame" : " frames" : "")
-            + "</text>\n";
+            + number(y(frames)) + "'/>\n";
+    }
+}
+
+/// The numbers of the grid; after the bars, which would cover them.
+void Histogram::writeGridLabels()
+{
+    for (int frames = gridStep; frames <= most; frames += gridStep) {
+        const bool isHighest = frames + gridStep > most;
+        out += "<text class='quiet halo' x='0' y='" + number(y(frames) - 4) + "'>" + count(frames)
+            + (isHighest ? frames == 1 ? " frame" : " frames" : "") + "</text>\n";
     }
 }
 
@@ -169,6 +178,7 @@ QByteArray Histogram::write()
         + timeText(summary.maximum) + "'>\n";
     writeGrid();
     writeBars();
+    writeGridLabels();
     // The texts on lines of their own.
     writeMark("", "median", summary.median, 12);
     writeMark("far", "99th percentile", summary.percentile99, 27);
