@@ -1,13 +1,12 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# Installs the libraries, their headers, a CMake package and a pkg-config file each, as components:
-# what programs run with and what they are built with. Each component needs no more than its own
-# target built.
+# Installs the libraries and their headers, each with a CMake package and a pkg-config file, as a
+# run-time and a development component. To install a component, only its own target must be built.
 
 include(CMakePackageConfigHelpers)
 
-# The prefix is worked out from where the file lies, so the installed tree can be moved.
+# The prefix follows from the place of the file, so the installed tree can be moved.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
   set(PC_PREFIX ${CMAKE_INSTALL_PREFIX})
   set(PC_LIBDIR ${CMAKE_INSTALL_LIBDIR})
@@ -25,7 +24,7 @@ if(NOT BUILD_SHARED_LIBS)
   set(PC_CFLAGS " -DORV_CORE_STATIC")
 endif()
 
-# A library, the pkg-config file that describes it, and the two components.
+# Installs a library and its pkg-config file as two components.
 function(orv_install_library library pkgConfigName runtime development)
   set(cmakeDir ${CMAKE_INSTALL_LIBDIR}/cmake/${library})
   set(generated ${PROJECT_BINARY_DIR}/${library})
@@ -61,7 +60,7 @@ if(TARGET OrvInspect)
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Kestrin/Orv COMPONENT inspectDevelopment)
 endif()
 
-# What the target docs has made, if it has.
+# The HTML documents, if the target docs has been built.
 if(TARGET docs)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
     DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/orv-doc COMPONENT doc OPTIONAL)

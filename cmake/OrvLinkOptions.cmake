@@ -1,13 +1,13 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# Options for the libraries, each only where compiler and linker have it.
+# Link options for the libraries. Each is used only if compiler and linker support it.
 
 include(CheckCXXCompilerFlag)
 include(CheckCXXSourceCompiles)
 
-# Links the shared library `target` as `map` says: a version script for what it exports. All that it
-# calls must be found when it is linked.
+# Links the shared library `target` with the version script `map`, which says what the library
+# exports. Undefined symbols are errors.
 function(orv_link_options target map)
   orv_check_linker(ORV_HAVE_VERSION_SCRIPT LINKER:--version-script=${map})
   orv_check_linker(ORV_HAVE_NO_UNDEFINED LINKER:--no-undefined)
@@ -15,7 +15,7 @@ function(orv_link_options target map)
     target_link_options(${target} PRIVATE LINKER:--version-script=${map})
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${map})
   endif()
-  # A sanitizer's runtime comes with the executable.
+  # The executable brings the runtime of a sanitizer.
   if(ORV_SANITIZE)
     orv_check_linker(ORV_HAVE_UNDEFS LINKER:-z,undefs)
     if(ORV_HAVE_UNDEFS)
@@ -26,7 +26,7 @@ function(orv_link_options target map)
   endif()
 endfunction()
 
-# The shared library's own calls go straight to their functions, not through the symbol table.
+# The shared library calls its own functions directly, not through the symbol table.
 function(orv_bind_calls_within target)
   check_cxx_compiler_flag(-fno-semantic-interposition ORV_HAVE_NO_SEMANTIC_INTERPOSITION)
   if(ORV_HAVE_NO_SEMANTIC_INTERPOSITION)
@@ -38,7 +38,8 @@ function(orv_bind_calls_within target)
   endif()
 endfunction()
 
-# Sets `result` in the cache: whether the linker has the option. Some only warn of one they lack.
+# Sets `result` in the cache: whether the linker has the option. Some linkers only warn about an
+# unknown option.
 function(orv_check_linker result option)
   set(CMAKE_REQUIRED_LINK_OPTIONS ${option})
   set(CMAKE_REQUIRED_QUIET ON)

@@ -1,10 +1,11 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# The parts that need more than CMake, a compiler and Qt Core, and what is said when that is
+# The parts that need more than CMake, a compiler and Qt Core, and the messages when something is
 # missing.
 
-# One line about a part that is not built: what it is, why not, and the Debian packages to install.
+# Prints one line about a part that is not built: its name, the reason, and the Debian packages to
+# install.
 function(orv_left_out part reason)
   set(install "")
   if(ARGN)
@@ -14,7 +15,7 @@ function(orv_left_out part reason)
   message(STATUS "Left out: ${part} (${reason}${install})")
 endfunction()
 
-# The tests are built when that is asked for, and then whole.
+# The tests are built only on request, and only if everything that they need is found.
 function(orv_find_what_tests_need)
   find_package(GTest QUIET)
   find_path(RAPIDCHECK_INCLUDE_DIR rapidcheck/gtest.h)
@@ -42,7 +43,7 @@ function(orv_find_what_tests_need)
   endif()
 endfunction()
 
-# What none of the directories has said itself.
+# Reports the parts that no directory has reported itself.
 function(orv_say_what_is_left_out)
   if(NOT ORV_BUILD_TESTS)
     orv_left_out(tests "the preset dev builds them"

@@ -1,8 +1,9 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# With ORV_PRECOMPILE, what most sources of a target include is read once for all of them. That
-# hides a missing #include, so it is for builds whose sources another build compiles as well.
+# With ORV_PRECOMPILE, the headers that most sources of a target include are read once for all of
+# them. This hides a missing #include, so use it only for sources that another build compiles
+# without it.
 function(orv_precompile target)
   if(ORV_PRECOMPILE)
     target_precompile_headers(${target} PRIVATE

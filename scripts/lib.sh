@@ -1,11 +1,11 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 #
-# What the scripts share; sourced, not run.
+# Functions that the scripts share. Source this file; do not run it.
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-# What building the library, its examples and its tests takes on Debian 12.
+# The Debian 12 packages that the library, its examples and its tests need.
 build_packages=(
     cmake ninja-build g++ pkg-config qtbase5-dev
     libassimp-dev zlib1g-dev assimp-testmodels
@@ -30,7 +30,7 @@ check_packages=(
     git clang-format-14 clang-tidy-14
 )
 
-# install_packages PACKAGE...: installs those that are missing; says which.
+# install_packages PACKAGE...: installs the missing packages and prints their names.
 install_packages() {
     local missing=() package
     for package in "$@"; do
@@ -46,7 +46,7 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}"
 }
 
-# configure PRESET [-B DIRECTORY] [CMAKE_OPTION...]: into build/PRESET if no directory is given.
+# configure PRESET [-B DIRECTORY] [CMAKE_OPTION...]: configures into build/PRESET by default.
 configure() {
     local preset=$1
     shift

@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: The OrvCore authors
 # SPDX-License-Identifier: MIT
 
-# Run by CPack over the staged files: adds what only a Debian package carries.
+# CPack runs this over the staged files. It adds the files that only a Debian package has.
 set(here ${CMAKE_CURRENT_LIST_DIR})
 set(source ${CPACK_ORV_SOURCE_DIR})
 
@@ -30,7 +30,7 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   configure_file(${here}/${package}.lintian-overrides ${share}/lintian/overrides/${package}
     COPYONLY)
 
-  # The documents lie as they do in the source tree, so that their links lead to what they name.
+  # The documents have the same places as in the source tree, so that their links work.
   if(package STREQUAL liborvcore-dev)
     file(GLOB pages ${source}/docs/*.md ${source}/docs/*.json ${source}/docs/*.1)
     file(COPY ${source}/README.md ${source}/CONTRIBUTING.md ${source}/CHANGELOG.md

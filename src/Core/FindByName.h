@@ -10,8 +10,7 @@
 namespace Kestrin {
 namespace Orv {
 
-/// The position of the first record with this name; -1 if there is none. The position of the first
-/// record with this name; -1 if there is none.
+/// The position of the first record with this name; -1 if there is none.
 template<typename Record, typename String>
 int findByName(const QVector<Record>& records, const String& name)
 {
