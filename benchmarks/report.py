@@ -37,40 +37,49 @@ SUBJECTS = {
 }
 
 TOPICS = {
-    "build": ("Building", "Nodes and ports, then connections, each behind a cycle test. Layers are "
-              "20, with four inputs a node. The size counts the nodes."),
-    "query": ("Ordering query", "`precedes` over 20 layers with four inputs a node: a node of the "
-              "first layer is looked for from the last one (yes), or one that is not there (no). "
-              "In nested groups, every node lies in a group inside a group of its own, and the "
-              "graph of bare nodes knows nothing of that. A cycle test is an `addEdge` that is "
-              "refused. The searches over Boost.Graph keep their marks from call to call."),
-    "walker": ("Walkers", "Whole walks from the last node, working state included. The graph with "
-               "a vertex per port is walked by Boost's own algorithms."),
-    "name": ("Names", "Look-ups of the last of so many names, and connecting eight ports of each "
-             "node of a chain to those of the same name of the node before."),
-    "removal": ("Removal and compaction", "Of 20 layers with four inputs a node."),
-    "frame": ("Frames", "Passes that mix their inputs into one number. The hand-written loop makes "
-              "the same calls on the same passes, the sources of all inputs known beforehand; the "
-              "flow graph and the functions call that loop's steps. oneTBB runs on one thread."),
-    "setup": ("Setup", "A repeated `setup`, teardown included, beside a frame of the same renderer "
-              "and the building of the flow graph."),
+    "build": ("Building",
+        "Adds nodes and ports, then connections, each with a cycle test. There are 20 layers, "
+        "and each node has four inputs. The size is the number of nodes."),
+    "query": ("Ordering query",
+        "`precedes` over 20 layers, with four inputs per node. The search begins at the last "
+        "layer and looks for a node of the first layer (yes), or for a node that it does not "
+        "reach (no). In nested groups, every node lies in its own group inside a group; the "
+        "graph of bare nodes does not contain the groups. A cycle test is an `addEdge` that is "
+        "refused. The searches over Boost.Graph keep their marks from call to call."),
+    "walker": ("Walkers",
+        "Complete walks from the last node, including the allocation of working state. Boost's "
+        "own algorithms walk the graph with a vertex per port."),
+    "name": ("Names",
+        "Look-ups of the last of several names, and connections by name: eight ports of each "
+        "node of a chain with the ports of the node before."),
+    "removal": ("Removal and compaction",
+        "Removal of nodes from 20 layers, with four inputs per node, and compaction."),
+    "frame": ("Frames",
+        "Passes that mix their inputs into one number. The hand-written loop makes the same "
+        "calls on the same passes, but knows the sources of all inputs beforehand. The flow "
+        "graph and the functions call the steps of that loop. oneTBB runs on one thread."),
+    "setup": ("Setup",
+        "A repeated `setup`, including the teardown, beside a frame of the same renderer and "
+        "beside building the flow graph."),
     "staggered": ("Staggered first frame", "A chain of passes under the staggered first frame."),
-    "histogram": ("Frame-time histogram", "The size is the number of buckets in use. "
-                  "prometheus-cpp has its 2001 buckets from the start and never empties itself. "
-                  "The process has had a second thread, as hosts have: before that, the mutexes of "
-                  "the C library leave out their atomic operations."),
-    "trace": ("Traces", "A chain of passes behind `TracedPass`, beside the same frame without it "
-              "and beside passes that read the clock before and after each of `beginFrame`, "
-              "`start` and `endFrame` and append a record. A recorded call reads the clock "
-              "twice; a counted one does not."),
-    "mapping": ("Mapped ranges", "Mapping a range of a file, reading its first and its last byte, "
-                "and unmapping it. The size is in KiB. Boost.Iostreams opens the file each time."),
+    "histogram": ("Frame-time histogram",
+        "The size is the number of buckets in use. prometheus-cpp has its 2001 buckets from the "
+        "start and never empties itself. The process has already started a second thread, as "
+        "hosts have: before that, the mutexes of the C library do without atomic operations."),
+    "trace": ("Traces",
+        "A chain of passes behind `TracedPass`, beside the same frame without it, and beside "
+        "passes that read the clock before and after each of `beginFrame`, `start` and "
+        "`endFrame` and append a record. A recorded call reads the clock twice; a call that is "
+        "only counted does not read it."),
+    "mapping": ("Mapped ranges",
+        "Maps a range of a file, reads its first and its last byte, and unmaps it. The size is "
+        "in KiB. Boost.Iostreams opens the file each time."),
 }
 
 # Rows without nested groups.
 FLAT = r"(?!.*nested)"
 
-# What the library is to reach: rows (topic/work/size), the other subject, the ratio, "<" or "<=".
+# The targets: rows (topic/work/size), the other subject, the ratio, "<" or "<=".
 TARGETS = [
     ("cycle test", r"query/cycle test/", "boost", 1.0, "<"),
     ("cycle test", r"query/cycle test/", "flat", 2.5, "<="),
@@ -88,13 +97,14 @@ TARGETS = [
     ("`purge`", r"removal/purge/", "read", 1.2, "<="),
 ]
 
-# What the rules of the library make impossible, and why.
+# Targets that the rules of the library make impossible, and why.
 NO_TARGETS = [
-    "Rows in nested groups have no target beside subjects that know no groups, and `setup` has "
-    "none there: a search, a setup and a frame trace every input through all of its groups anew, "
-    "because nothing about the graph is cached, while those subjects have each source at hand. "
-    "Input walkers have none beside bare nodes: a walk goes from a node over a port and an edge "
-    "to the next node, and takes a frame from the heap for each node on its path.",
+    "Rows in nested groups have no target beside subjects that do not contain the groups, and "
+    "`setup` has no target there. A search, a setup and a frame trace every input through all of "
+    "its groups again, because the library caches nothing about the graph; those subjects store "
+    "each source. Input walkers have no target beside bare nodes: a walk goes from a node over a "
+    "port and an edge to the next node, and allocates a frame on the heap for each node on its "
+    "path.",
 ]
 
 COLORS = ["#1b6ca8", "#d1495b", "#2e8b57", "#e0a030", "#7a5195"]
@@ -327,13 +337,14 @@ def main(results, docs):
                          ("libOrvCore", "compiler", "Qt", "Google Benchmark", "Boost", "oneTBB",
                           "prometheus-cpp") if context.get(key)).replace("compiler ", "")
     text = ["# Benchmarks", "",
-            "The library beside peers and limits, as `./scripts/bench` has measured it. A "
-            "peer does the same for its users; a limit is the same work without what makes "
-            "the library general. All subjects of a row run in one process on one and the "
-            "same work, and their answers are compared before the first one is timed.", "",
-            f"Times are medians of up to {repetitions} repetitions, which are interleaved at "
-            "random, in processor time; ± is half the distance between the quartiles. A "
-            "ratio below 1 says that the library takes less.", "",
+            "This page compares the costs of the library with peers and limits. "
+            "`./scripts/bench` has measured them. A peer is another library for the same "
+            "purpose. A limit is code that does only the work of this row, without the "
+            "generality of the library. All subjects of a row do the same work in one process. "
+            "Their results are compared before the first one is timed.", "",
+            f"Times are medians of up to {repetitions} repetitions, in processor time. The "
+            "repetitions are interleaved at random. ± is half the distance between the "
+            "quartiles. A ratio below 1 means that the library takes less.", "",
             f"Machine: {machine()}.", "",
             f"Versions: {versions}.", "",
             "## Targets", ""]
@@ -349,9 +360,9 @@ def main(results, docs):
                                    series(rows, "frame", work), per_item=True)
 
     text += ["", "## Growth", "",
-             "A chain from a hundred nodes to a million, built sink first unless the row says "
+             "A chain of a hundred to a million nodes, built sink first unless the row says "
              "otherwise. The exponent is the slope of the line through all points: 1 is linear. "
-             "Beyond some ten thousand nodes, the caches no longer hold the graph.", "",
+             "The caches do not hold graphs of more than about ten thousand nodes.", "",
              "| Work | Subject | Exponent | Per node at 100 | Per node at 1,000,000 |",
              "|---|---|---:|---:|---:|"]
     growth_plots = []
@@ -371,11 +382,13 @@ def main(results, docs):
     text += growth_plots
 
     text += ["", "## Memory", "",
-             "Heap bytes, with what the allocator adds to each block, in a chain of 10,000 nodes:",
+             "Heap bytes in a chain of 10,000 nodes, including the overhead of the allocator for "
+             "each block:",
              ""]
     text += counter_table(rows, "bytes", "bytes", "Bytes")
-    text += ["", "Allocations that an operation makes, and how many it may make: what its "
-             "description names, one more for a walk. What exceeds that is set in bold:", ""]
+    text += ["", "Allocations of an operation, and the allowed number: the allocations in the "
+             "description of the operation, and one more for a walk. Numbers above the allowed one "
+             "are bold:", ""]
     text += counter_table(rows, "allocations", "allocations", "Allocations")
 
     with open(os.path.join(docs, "benchmarks.md"), "w", encoding="utf-8") as file:
