@@ -9,7 +9,7 @@ using namespace Kestrin::Orv::Inspect;
 
 namespace {
 
-/// What every answer to any text must be.
+/// Checks the result for any text.
 void check(const QByteArray& text, bool mustBeSound)
 {
     const ReadResult read = readDocument(text);
@@ -34,7 +34,7 @@ void check(const QByteArray& text, bool mustBeSound)
     expectNothingWrong(documentFailure(text, mustBeSound));
 }
 
-/// A document of a renderer grown from the first bytes, with one thing changed.
+/// A document of a renderer that is built from the first bytes, with one change.
 QByteArray brokenDocument(Bytes& bytes)
 {
     const std::uint32_t change = bytes.word();
@@ -67,8 +67,8 @@ QByteArray brokenDocument(Bytes& bytes)
 
 } // namespace
 
-// Any text, and documents of renderers with one thing broken: the reader tells what is wrong, or
-// what it has read survives being written, read and built.
+// Any text, and documents of renderers with one error. Either the reader reports a problem, or the
+// snapshot that it has read stays the same when it is written, read again and built.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     Bytes bytes(data, size);

@@ -54,7 +54,7 @@ private:
     std::uint32_t frames = 0, total = 0, minimum = 1000000, peakBucket = 0, peakCount = 0;
 };
 
-/// Writes each full minute out before it is cleared, as a host may do.
+/// Writes each full minute before it is cleared, as a host may do.
 class Dumping : public HistogramFrameTimes
 {
 public:
@@ -81,7 +81,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
             const std::uint32_t us = op < 100 ? bytes.byte() * 4000u
                 : op < 150                    ? 999000 + bytes.byte() * 10u
                                               : bytes.word();
-            // A burst fills the minute within few bytes.
+            // A burst fills the minute with few bytes.
             for (int i = 0, n = op % 4 == 0 ? 100 : 1; i < n; ++i) {
                 histogram.addFrameTimeUS(us);
                 dumping.addFrameTimeUS(us);

@@ -20,7 +20,7 @@ unsigned char contentAt(unsigned long offset)
     return static_cast<unsigned char>(offset * 37 + offset / 256);
 }
 
-/// Files of every kind of size: none, empty, one byte, around a page, some pages.
+/// Files of all kinds of sizes: missing, empty, one byte, around a page, several pages.
 QString fileOf(int kind, unsigned long& size)
 {
     static const unsigned long sizes[] = {0, 0, 1, 4095, 4096, 4097, 20000};
@@ -67,7 +67,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         const unsigned long offset = number(), count = number();
         unsigned char* range = file.get(offset, count);
         const bool inside = offset < length && count <= length - offset;
-        // No bytes at all are a mapping of their own only behind the start of a page.
+        // A range of 0 bytes has its own mapping only after the start of a page.
         expect((range != nullptr) == (inside && (count > 0 || offset % 4096 != 0)),
                "a range inside the file, and only that, is lent");
         if (range && count > 0) {
@@ -82,7 +82,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
             held.erase(held.begin() + static_cast<std::ptrdiff_t>(which));
         }
         if (bytes.byte() % 16 == 0)
-            file.release(reinterpret_cast<unsigned char*>(offset | 1)); // none of its own
+            file.release(reinterpret_cast<unsigned char*>(offset | 1)); // not a pointer from get()
     }
-    return 0; // with mappings still held
+    return 0; // while mappings still exist
 }

@@ -12,7 +12,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Ends the run when something is wrong, so that the fuzzer keeps the input.
+/// Aborts the run on an error, so that the fuzzer keeps the input.
 inline void expectNothingWrong(const std::string& wrong)
 {
     if (wrong.empty())
@@ -27,7 +27,7 @@ inline void expect(bool holds, const char* what)
         expectNothingWrong(what);
 }
 
-/// Takes an input apart; zeros when it is used up.
+/// Reads values from an input. Returns zeros at its end.
 class Bytes
 {
 public:

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-// Every input of the corpus, and every one that ever failed, by the same code as in the fuzzer.
+// Runs the code of the fuzzer on every input of the corpus, and on every input that ever failed.
 TEST(Replay, AllInputsPass)
 {
     int replayed = 0;

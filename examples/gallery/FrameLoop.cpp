@@ -102,7 +102,7 @@ bool FrameLoop::renderFrames(QString& error)
     return done;
 }
 
-/// Repeats the first frame, unwritten, until every pass has been started.
+/// Repeats the first frame, without writing it, until every pass has been started.
 bool FrameLoop::bringUp(QString& error)
 {
     graph.renderer().setParameter(staggered, true);
@@ -155,7 +155,7 @@ bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
 {
     const auto texture = graph.renderer().output(output).value<Texture>();
     if (!texture.name) {
-        if (output == debug) // is not made; the picture is what matters
+        if (output == debug) // is not made; only the picture matters
             return true;
         error = QStringLiteral("no pass left to make the picture");
         return false;
@@ -178,7 +178,7 @@ bool FrameLoop::write(int output, const char* prefix, int frame, QString& error)
                              .filePath(QStringLiteral("%1-%2.png")
                                            .arg(QLatin1String(prefix))
                                            .arg(frame, 4, 10, QLatin1Char('0')));
-    // A picture of this name is a whole one, also when the program is ended half-way.
+    // A picture with this name is always complete, even if the program ends early.
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         error = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
@@ -201,7 +201,7 @@ void FrameLoop::endFrame()
     out.flush();
 }
 
-/// On a terminal alone, and when there is something to wait for.
+/// Only on a terminal, and only if there is something to wait for.
 bool FrameLoop::hasProgress() const
 {
     return options.lastFrame > options.firstFrame && isatty(STDERR_FILENO);

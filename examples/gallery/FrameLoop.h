@@ -25,30 +25,30 @@ class GalleryGraph;
 
 namespace Inspect = Kestrin::Orv::Inspect;
 
-/// Frame times that are written out minute by minute instead of being dropped.
+/// Frame times that are written every minute instead of being dropped.
 class FrameTimes : public Kestrin::Orv::HistogramFrameTimes
 {
 public:
     explicit FrameTimes(QTextStream& out);
     void flush() override;
-    /// Writes what was counted since the last flush().
+    /// Writes the frames that were counted since the last flush().
     void print();
 
 private:
     QTextStream& out;
 };
 
-/// Renders the frames that the options ask for, and writes their pictures.
+/// Renders the frames that the options name, and writes their pictures.
 class FrameLoop
 {
 public:
     /// \param out receives the reports.
-    /// \param trace is told of the frames, if it is not null.
+    /// \param trace records the frames, if it is not null.
     FrameLoop(const Options& options, GalleryGraph& graph, const Scene& scene, QTextStream& out,
               Inspect::Trace* trace);
 
     /// \return false, with the reason on one line in \p error, when a pass fails or a picture
-    /// cannot be written; the frames before it are complete.
+    /// cannot be written. The frames before are complete.
     bool run(QString& error);
 
 private:
@@ -74,7 +74,7 @@ private:
     int picture;
     Kestrin::Orv::RenderCallbacks callbacks;
     FrameTimes times;
-    int texturesHeld = 0; // that readers did not release, in the last frame
+    int texturesHeld = 0; // by readers that did not release them, in the last frame
 };
 
 } // namespace Gallery

@@ -25,7 +25,7 @@ namespace {
 
 const int root = Graph::kRootNodeRef;
 
-// The names of ports that are wired one by one.
+// The names of ports that are connected one by one.
 const QString color = QStringLiteral("Color");
 const QString detail = QStringLiteral("Detail");
 
@@ -44,7 +44,7 @@ void GalleryGraph::build()
     host.addParameter(QStringLiteral("BloomStrength"), 0.9F);
     host.addParameter(QStringLiteral("LightDirection"), QVector3D(0.6F, 1, -0.7F));
     host.addParameter(QStringLiteral("Orv_bool_staggeredFirstFrame"), false);
-    // The debug view comes first, so that it runs first and lets go of the G-buffer.
+    // The debug view comes first, so that it runs first and releases the G-buffer.
     host.addOutput(QStringLiteral("Debug"));
     host.addOutput(QStringLiteral("Picture"));
 
@@ -102,7 +102,7 @@ GalleryGraph::Node GalleryGraph::add(const char* type, const QString& name, Node
 
 void GalleryGraph::addOcclusion()
 {
-    // What comes from the G-buffer is a group of ports of its own.
+    // The inputs from the G-buffer form their own port group.
     occlusion = host.addGroup(QStringLiteral("AmbientOcclusion"), 0, 0, root);
     const int surface = graph.addInputGroup(occlusion, QStringLiteral("Surface"));
     graph.addInput(occlusion, QStringLiteral("Normal"), surface);
@@ -135,7 +135,7 @@ void GalleryGraph::addBloom()
     graph.connectUpByName(glow);
 }
 
-/// Halves the picture level by level, then comes back up, adding each level to the blurred ones
+/// Halves the picture level by level. Then goes back up and adds each level to the blurred levels
 /// below.
 GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 {
@@ -165,9 +165,9 @@ GalleryGraph::Node GalleryGraph::addPyramid(Node parent)
 
 void GalleryGraph::wire()
 {
-    // Passes to passes first: what is left unfed is then fed from the renderer's parameters.
-    // A group's output feeds one reader. For more of them, or across two group borders at once, the
-    // renderer counts too few readers, and a texture would return to the pool too early.
+    // Connect passes with passes first. Then the renderer's parameters feed the remaining inputs.
+    // Let each output of a group have one reader: with more readers, or across two group borders,
+    // the renderer counts too few readers, and a texture would return to the pool too early.
     graph.connectByName(cameras, shadowMap);
     graph.connectByName(cameras, gBuffer);
     graph.connectNamedGroups(gBuffer, QStringLiteral("Surface"), occlusion,

@@ -25,43 +25,43 @@ namespace Gallery {
 
 namespace Inspect = Kestrin::Orv::Inspect;
 
-/// The renderer of this program: its passes and how they hang together, as they are built in or as
-/// a document says.
+/// The renderer of this program, with its passes and their connections. The graph is either built
+/// in or read from a document.
 ///
-/// The built-in ones:
+/// The built-in graph:
 ///
 ///     Cameras -> ShadowMap -----------------------------> Lighting -> [Bloom] -> ToneMap
 ///            \-> GBuffer -> [AmbientOcclusion] ---------/         \-----------/    |
 ///                                                                         AntiAlias -> Present
 ///
-/// Groups are in brackets. DebugView shows what the passes before Bloom have made; LightMeter runs
+/// Groups are in brackets. DebugView shows the results of the passes before Bloom. LightMeter runs
 /// only as a target.
 class GalleryGraph
 {
 public:
-    /// Holds nothing yet.
-    /// \param trace records the passes, if it is not null; it is kept longer than this.
+    /// Makes an empty graph.
+    /// \param trace records the passes, if it is not null. It must outlive this object.
     explicit GalleryGraph(Inspect::Trace* trace = nullptr);
 
-    /// Builds what is built in.
+    /// Builds the built-in graph.
     void build();
-    /// Builds what a document shows.
-    /// \return what stands in the way; nothing has been built then.
+    /// Builds the graph of a document.
+    /// \return the problems. If there is one, nothing has been built.
     QVector<Inspect::Problem> build(const Inspect::ReadResult& document);
 
     Kestrin::Orv::Renderer& renderer() { return host; }
     /// The graph as it is now, with the types of its passes.
     Inspect::Snapshot snapshot();
 
-    /// The pass of this name, in whichever group, or of this path; -1 if there is none.
+    /// The pass with this name, in any group, or with this path; -1 if there is none.
     int findPass(const QString& name);
-    /// Says for people of which output the renderer counts too few readers, so that its texture
-    /// would return to the pool too early; empty if there is none.
+    /// A text that names an output of which the renderer counts too few readers, so that its
+    /// texture would return to the pool too early. Empty if there is none.
     QString uncountedReader();
     /// The passes that the renderer's outputs and its target need, in their order of execution.
     QVector<int> executionOrder();
-    /// Disables the passes that executionOrder() does not need. A pass that is never scheduled
-    /// would count as one that has yet to start.
+    /// Disables the passes that executionOrder() does not contain. The renderer would wait for the
+    /// start of a pass that is never scheduled.
     void disableIdlePasses();
 
 private:
@@ -79,7 +79,7 @@ private:
     Kestrin::Orv::Renderer host;
     Kestrin::Orv::Graph& graph;
     QHash<const Kestrin::Orv::RenderPass*, QString> types;
-    // What wire() connects.
+    // The nodes that wire() connects.
     Node cameras = -1;
     Node shadowMap = -1;
     Node gBuffer = -1;

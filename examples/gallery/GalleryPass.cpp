@@ -34,7 +34,7 @@ QSize GalleryPass::targetSize(const QSize& frameSize) const
 
 void GalleryPass::setup(RenderCallbacks*)
 {
-    // The renderer clears error codes before a frame, so the verdict waits for start().
+    // The renderer clears error codes before a frame, so start() reports the failure.
     buildError.clear();
     program.build(vertexFile, fragmentFile, buildError);
     glGenFramebuffers(1, &framebuffer);
@@ -60,7 +60,7 @@ void GalleryPass::start(RenderCallbacks* callbacks)
 
 void GalleryPass::skip(RenderCallbacks*)
 {
-    // What the last frame left here is no longer this pass's.
+    // The textures of the last frame no longer belong to this pass.
     for (auto& output : outputs)
         output.value = QVariant();
 }
@@ -111,7 +111,7 @@ bool GalleryPass::bindTargets(RenderCallbacks& callbacks)
         const bool depth = target.format == GL_DEPTH_COMPONENT24;
         const int users = outputUsers.at(target.output);
         Texture texture;
-        // Depth is tested against even when nobody reads it.
+        // The depth test needs the depth even if nothing reads it.
         if (users > 0 || depth || target.output == targets.first().output)
             texture = callbacks.textures.acquire(target.format, size.width(), size.height(), users);
         outputs[target.output].value = QVariant::fromValue(texture);

@@ -14,15 +14,15 @@
 
 namespace Gallery {
 
-/// Error codes of this program's passes; RenderCallbacks::failure says more.
+/// Error codes of this program's passes. RenderCallbacks::failure has the details.
 enum class PassError : unsigned int { None, Shader, Framebuffer, Driver };
 
 /// A pass that draws into textures of the pool.
 ///
-/// Each output declared with addTarget() gets a texture when the pass starts, for as many readers
-/// as the renderer counted; the first one always, as a framebuffer needs something to draw to, the
-/// others only if there are readers. A texture that arrives at an input is released when the frame
-/// of this pass ends, whether the pass drew or was held back.
+/// Each output declared with addTarget() gets a texture when the pass starts, for the number of
+/// readers that the renderer counted. The first output always gets one, because a framebuffer needs
+/// a texture to draw to. The others get one only if they have readers. A texture that arrives at an
+/// input is released when the frame of this pass ends, also if the pass was skipped.
 class GalleryPass : public Kestrin::Orv::RenderPassHelper
 {
 public:
@@ -38,13 +38,13 @@ public:
     void teardown(Kestrin::Orv::RenderCallbacks* callbacks) override;
 
 protected:
-    /// An output that carries a texture of this format.
+    /// Adds an output for a texture of this format.
     void addTarget(const QString& outputName, GLenum format);
-    /// The shaders that setup() builds the program of.
+    /// Names the shaders of the program that setup() builds.
     void setShaders(const QString& vertexFile, const QString& fragmentFile);
-    /// Size of the targets, for a frame of this size.
+    /// The size of the targets, for a frame of this size.
     virtual QSize targetSize(const QSize& frameSize) const;
-    /// Draws; the program is in use, the targets are bound and the viewport is set.
+    /// Draws. The program is in use, the targets are bound and the viewport is set.
     virtual void draw(Kestrin::Orv::RenderCallbacks& callbacks) = 0;
 
     void fail(Kestrin::Orv::RenderCallbacks& callbacks, PassError code, const QString& reason);

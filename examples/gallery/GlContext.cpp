@@ -20,7 +20,7 @@ bool isSoftware(EGLDeviceEXT device)
     return extensions && QByteArray(extensions).contains("EGL_MESA_device_software");
 }
 
-/// All displays that need no window system, the promising ones first.
+/// All displays that need no window system, the most promising first.
 QVector<EGLDisplay> windowlessDisplays()
 {
     QVector<EGLDisplay> displays;
@@ -53,8 +53,8 @@ GlContext::~GlContext()
     eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     if (context != EGL_NO_CONTEXT)
         eglDestroyContext(display, context);
-    // The display is the whole process's and stays. Ending it would also unload the driver, whose
-    // leaks no checker could then tell from ours.
+    // The display belongs to the whole process and stays. Ending it would also unload the driver.
+    // Then a leak checker could not distinguish the driver's leaks from ours.
 }
 
 bool GlContext::createOn(EGLDisplay candidate)
@@ -70,7 +70,7 @@ bool GlContext::createOn(EGLDisplay candidate)
     if (!eglBindAPI(EGL_OPENGL_ES_API)
         || !eglChooseConfig(display, configAttributes, &config, 1, &numConfigs))
         numConfigs = 0;
-    // Nothing is ever shown, so a context without a configuration is as good.
+    // Nothing is ever shown, so a context without a configuration is sufficient.
     context = eglCreateContext(display, numConfigs > 0 ? config : EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT,
                                contextAttributes);
     if (context != EGL_NO_CONTEXT
@@ -87,9 +87,9 @@ bool GlContext::createOn(EGLDisplay candidate)
 
 bool GlContext::create(QString& error)
 {
-    // The threads of Mesa's software rasteriser corrupt the heap in 1 of some 200 runs (version
-    // 22.3.6, with one thread in 1 of 50; never in 600 runs without threads). Who sets the variable
-    // gets the threads.
+    // The threads of Mesa's software rasteriser corrupt the heap in about 1 of 200 runs (version
+    // 22.3.6; with one thread in about 1 of 50; never in 600 runs without threads). Users who set
+    // the variable get threads.
     setenv("LP_NUM_THREADS", "0", 0);
     const QVector<EGLDisplay> displays = windowlessDisplays();
     if (std::none_of(displays.begin(), displays.end(),

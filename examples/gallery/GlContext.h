@@ -22,7 +22,7 @@ public:
     /// Makes the context on the first display that has a driver, hardware before software.
     /// \return false, with the reason in \p error, when there is none.
     bool create(QString& error);
-    /// The driver's own name for itself.
+    /// The name that the driver reports.
     QString rendererName() const;
 
 private:

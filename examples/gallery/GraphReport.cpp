@@ -22,7 +22,7 @@ namespace Gallery {
 
 namespace {
 
-QStringList* recorded = nullptr; // where the message handler puts what it gets
+QStringList* recorded = nullptr; // the message handler appends messages here
 
 void record(QtMsgType, const QMessageLogContext&, const QString& text)
 {
@@ -39,7 +39,7 @@ bool writeFile(const QString& file, const QByteArray& content, QString& error)
     return false;
 }
 
-/// What Graphviz makes of a picture; empty if it is not installed.
+/// The picture as Graphviz draws it; empty if Graphviz is not installed.
 QByteArray draw(const QByteArray& picture)
 {
     const int limitMs = 20000;

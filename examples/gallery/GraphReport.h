@@ -35,12 +35,12 @@ QStringList executionList(GalleryGraph& gallery);
 /// They return false, with the reason in `error`, when the file cannot be written.
 /// @{
 
-/// The graph's top level for Graphviz.
+/// Writes the graph's top level for Graphviz.
 bool writeGraphviz(GalleryGraph& gallery, const QString& file, QString& error);
-/// The graph as a document.
+/// Writes the graph as a document.
 bool writeGraph(const Kestrin::Orv::Inspect::Snapshot& snapshot, const QString& file,
                 QString& error);
-/// What was recorded, in the files that the options name.
+/// Writes the recorded data into the files that the options name.
 /// \param failed the nodes whose passes have failed
 bool writeRecords(const Options& options, const Kestrin::Orv::Inspect::Snapshot& snapshot,
                   const Kestrin::Orv::Inspect::Trace& trace, const QVector<int>& failed,

@@ -35,7 +35,7 @@ Material readMaterial(const aiMaterial& source)
     source.Get(AI_MATKEY_METALLIC_FACTOR, material.metallic);
     float roughness = 0.5F;
     source.Get(AI_MATKEY_ROUGHNESS_FACTOR, roughness);
-    // Glossier than in the file: a model in a studio has been polished.
+    // Glossier than in the file: a model in a studio is polished.
     material.roughness = 0.15F + 0.27F * roughness;
     return material;
 }
@@ -96,7 +96,7 @@ bool Model::load(const QString& path, QString& error)
         return false;
     }
     Assimp::Importer importer;
-    // Lines and points cast no light.
+    // Leave out lines and points: they reflect no light.
     importer.SetPropertyInteger(AI_CONFIG_PP_SBP_REMOVE,
                                 aiPrimitiveType_LINE | aiPrimitiveType_POINT);
     importer.SetPropertyFloat(AI_CONFIG_PP_GSN_MAX_SMOOTHING_ANGLE, 60);

@@ -10,7 +10,7 @@
 
 namespace Gallery {
 
-/// What a surface is made of.
+/// The material of a surface.
 struct Material
 {
     QVector3D baseColor{0.8F, 0.8F, 0.8F}; ///< linear
@@ -24,7 +24,7 @@ struct Vertex
     QVector3D normal;
 };
 
-/// A run of triangles of one material.
+/// A range of triangles with one material.
 struct Batch
 {
     int firstIndex = 0;
@@ -43,7 +43,7 @@ struct Model
     float radius = 1;     ///< of the upright cylinder about the origin that holds the model
     float halfHeight = 1; ///< of that cylinder
 
-    /// Reads any file that assimp reads.
+    /// Reads any file that assimp can read.
     /// \return false, with the reason in \p error, when it holds no triangles.
     bool load(const QString& path, QString& error);
 };

@@ -16,8 +16,8 @@ const char defaultModel[] =
     "/usr/share/assimp/models/glTF2/2CylinderEngine-glTF-Binary/2CylinderEngine.glb";
 const int maxSide = 8192;
 
-/// The numbers in a text that matches a pattern as a whole; none when it does not. The pattern
-/// keeps them short enough for an int.
+/// The numbers in a text that matches a pattern completely; none if it does not match. The pattern
+/// keeps each number short enough for an int.
 QVector<int> numbersOf(const QString& text, const QString& pattern)
 {
     const QRegularExpression expression(QRegularExpression::anchoredPattern(pattern));

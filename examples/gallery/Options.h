@@ -10,7 +10,7 @@
 
 namespace Gallery {
 
-/// What the command line asks for.
+/// The options of the command line.
 struct Options
 {
     QString model;
@@ -33,13 +33,13 @@ struct Options
     bool verbose = false;
     bool reuseTextures = true;
 
-    /// What is to be printed instead of doing anything, for --help and --version.
+    /// The text to print instead of rendering, for --help and --version.
     QString message;
 
-    /// Whether the passes are to be recorded.
+    /// Whether to record the passes.
     bool isTraced() const { return !traceFile.isEmpty() || !reportFile.isEmpty(); }
 
-    /// \return false, with the reason on one line in \p error, when the line makes no sense.
+    /// \return false, with the reason on one line in \p error, when the command line is wrong.
     bool parse(const QStringList& arguments, QString& error);
 };
 

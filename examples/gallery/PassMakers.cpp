@@ -17,7 +17,7 @@ using Kestrin::Orv::RenderPass;
 
 namespace {
 
-/// A filter of the type's own shader.
+/// A filter with the shader of the type.
 FilterPass* filter(const QString& type, const QString& name)
 {
     return new FilterPass(name, type + QLatin1String(".frag"));

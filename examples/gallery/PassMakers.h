@@ -15,11 +15,11 @@ class RenderPass;
 
 namespace Gallery {
 
-/// The types of passes that this program has.
+/// The types of this program's passes.
 QStringList passTypes();
 
 /// Makes a pass of a type, with its ports and their defaults; null if there is no such type.
-/// \param name what the pass is called in messages
+/// \param name the name of the pass in messages
 Kestrin::Orv::RenderPass* makePass(const QString& type, const QString& name);
 
 } // namespace Gallery

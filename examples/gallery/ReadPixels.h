@@ -8,7 +8,7 @@
 
 namespace Gallery {
 
-/// Copies a texture's RGBA texels, from the bottom row up, as this GL type; waits for the GPU.
+/// Copies a texture's RGBA texels as this GL type, from the bottom row up. Waits for the GPU.
 /// \return false if the driver cannot do so for the texture's format.
 bool readPixels(const Texture& texture, GLenum type, void* texels);
 

@@ -17,8 +17,8 @@ class Scene;
 namespace Kestrin {
 namespace Orv {
 
-/// What this program's passes get from it: the scene, the textures of the frame, and a place to
-/// leave word of what they did.
+/// The interface between this program and its passes: the scene, the textures of the frame, and
+/// fields in which passes report what they did.
 class RenderCallbacks
 {
 public:
@@ -29,7 +29,7 @@ public:
     Gallery::TexturePool textures;
 
     QStringList started; ///< names of the passes that this frame has started, in order
-    QString failure;     ///< what a pass said when it set its error code
+    QString failure;     ///< the message of a pass that set its error code
 };
 
 } // namespace Orv

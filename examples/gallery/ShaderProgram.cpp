@@ -26,7 +26,7 @@ bool readResource(const QString& file, QByteArray& text, QString& error)
     return true;
 }
 
-/// The first complaint of a driver's log.
+/// The first error in a driver's log.
 QString firstLine(const QByteArray& log)
 {
     return QString::fromUtf8(log.constData())

@@ -11,7 +11,7 @@
 
 namespace Gallery {
 
-/// A GL program made of a vertex and a fragment shader of the resources directory.
+/// A GL program made of a vertex shader and a fragment shader from the resources directory.
 class ShaderProgram
 {
 public:
@@ -20,14 +20,14 @@ public:
     ShaderProgram(const ShaderProgram&) = delete;
     ShaderProgram& operator=(const ShaderProgram&) = delete;
 
-    /// Reads, compiles and links. Every shader sees Common.glsl first.
+    /// Reads, compiles and links the shaders. Common.glsl is put in front of every shader.
     /// \return false, with the reason on one line in \p error.
     bool build(const QString& vertexFile, const QString& fragmentFile, QString& error);
     void clear();
 
     void use() const { glUseProgram(program); }
-    /// Sets a uniform of the program in use: an int, a number, a QVector3D or a QMatrix4x4. One
-    /// that the shaders do not have is passed over.
+    /// Sets a uniform of the program in use: an int, a number, a QVector3D or a QMatrix4x4. Ignores
+    /// a uniform that the shaders do not have.
     void set(const char* uniform, const QVariant& value) const;
 
 private:

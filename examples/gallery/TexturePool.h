@@ -11,7 +11,7 @@
 
 namespace Gallery {
 
-/// What travels along the edges of the graph.
+/// A texture, the value that edges of the graph carry.
 struct Texture
 {
     GLuint name = 0; ///< 0 for none
@@ -20,32 +20,33 @@ struct Texture
     int slot = -1; ///< in the pool; -1 when the texture is not the pool's
 };
 
-/// Textures that live within a frame, from the pass that fills them to the last that reads them.
+/// Textures that live within a frame, from the pass that fills them to the last pass that reads
+/// them.
 ///
-/// A texture whose readers have all released it serves the next request of the same format and
+/// When all readers have released a texture, it serves the next request of the same format and
 /// size.
 class TexturePool
 {
 public:
-    /// \param reuse false gives every request of a frame a texture of its own, for comparison.
+    /// \param reuse false gives every request of a frame its own texture, for comparison.
     explicit TexturePool(bool reuse);
     ~TexturePool();
     TexturePool(const TexturePool&) = delete;
     TexturePool& operator=(const TexturePool&) = delete;
 
-    /// A texture of undefined content that `users` readers are going to release.
+    /// A texture with undefined content, to be released by `users` readers.
     Texture acquire(GLenum format, int width, int height, int users);
-    /// One reader is done. Textures that are not the pool's are passed over.
+    /// Releases a texture for one reader. Ignores textures that do not belong to the pool.
     void release(const Texture& texture);
-    /// Ends the frame: takes back what readers have not released, because they are disabled or
-    /// because a pass before them failed.
+    /// Ends the frame. Takes back the textures that readers have not released, because they are
+    /// disabled or because a pass before them failed.
     /// \return the number of textures taken back.
     int recycle();
 
     int numTextures() const { return slots.size(); }
-    /// The memory of all textures that the pool has made.
+    /// The memory of all textures of the pool.
     qint64 bytes() const;
-    /// The most that a frame has asked for, each request counted by itself.
+    /// The largest memory that a frame has requested, with each request counted separately.
     qint64 requestedBytes() const { return mostRequested; }
     int numRequests() const { return mostRequests; }
 

@@ -14,7 +14,7 @@ using Kestrin::Orv::Inspect::ValueTypes;
 
 namespace {
 
-/// A float as the shortest decimal number that stands for it: 0.6 rather than 0.60000002384.
+/// A float as the shortest decimal number that reads as the same float: 0.6, not 0.60000002384.
 double shortest(float number)
 {
     const int digitsOfAny = 9;
@@ -34,7 +34,7 @@ QJsonArray toArray(const float* numbers, int count)
     return array;
 }
 
-/// The numbers of an array of this length; none of anything else.
+/// The numbers of an array of this length; none for anything else.
 QVector<float> numbersOf(const QJsonValue& json, int count)
 {
     const QJsonArray array = json.toArray();

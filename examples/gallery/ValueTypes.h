@@ -8,8 +8,8 @@
 
 namespace Gallery {
 
-/// How documents hold the values that this program's passes take, so that they can be read and
-/// edited:
+/// Converters for the values of this program's passes, so that people can read and edit them in
+/// documents:
 ///
 ///     QColor      "#ff8000"; what a texture input shows when no pass feeds it
 ///     QVector3D   [0.6, 1, -0.7]

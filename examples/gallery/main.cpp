@@ -53,8 +53,8 @@ bool choosePasses(const Options& options, GalleryGraph& graph, QString& error)
     return true;
 }
 
-/// Builds the graph of a document, or says everything that is wrong with it, one line each, in the
-/// form in which compilers do.
+/// Builds the graph of a document, or prints all its problems, one line each, in the form of
+/// compiler messages.
 bool readGraph(const QString& path, GalleryGraph& graph, QString& error)
 {
     QFile file(path);
@@ -88,7 +88,7 @@ bool makeFolder(const QString& path, QString& error)
     return false;
 }
 
-/// The numbers that the target has found.
+/// The numbers that the target has measured.
 void printTarget(GalleryGraph& graph, QTextStream& out)
 {
     const Kestrin::Orv::RenderPass* pass =
@@ -126,7 +126,7 @@ bool render(const Options& options, GalleryGraph& graph, Inspect::Trace* trace, 
     const bool done = loop.run(error);
     if (done)
         printTarget(graph, out);
-    // A failure is what a report is for.
+    // Write the report even after a failure.
     QString recordError;
     if (trace && !writeRecords(options, snapshot, *trace, failedPasses(graph), recordError)) {
         if (done)
@@ -154,7 +154,7 @@ bool run(Options options, QTextStream& out, QString& error)
     if (!choosePasses(options, graph, error))
         return false;
     const bool isRendered = !options.list && options.graphvizFile.isEmpty();
-    if (isRendered && !makeFolder(options.outDirectory, error)) // other files may go there too
+    if (isRendered && !makeFolder(options.outDirectory, error)) // other files may go there, too
         return false;
     if (!options.savedGraphFile.isEmpty()
         && !writeGraph(graph.snapshot(), options.savedGraphFile, error))
@@ -183,7 +183,7 @@ bool run(Options options, QTextStream& out, QString& error)
 
 int main(int argc, char* argv[])
 {
-    // Drivers that are tried and found wanting are no news.
+    // Do not report drivers that were tried and failed.
     if (!qEnvironmentVariableIsSet("EGL_LOG_LEVEL"))
         qputenv("EGL_LOG_LEVEL", "fatal");
     const QCoreApplication application(argc, argv);

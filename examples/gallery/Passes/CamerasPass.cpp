@@ -20,8 +20,8 @@ const float fieldOfView = 28; // degrees, vertically
 const float elevation = 22;   // degrees, of the camera above the horizon
 const float margin = 1.06F;   // of the model to the border of the picture
 
-/// The least distance from which the upright cylinder around the model fits into the picture at
-/// every angle of the turn, so that the model does not pulsate while it turns.
+/// The smallest distance at which the upright cylinder around the model fits into the picture at
+/// every angle. So the size of the model does not change while it turns.
 float fittingDistance(const Model& model, float aspect)
 {
     const float tanY = std::tan(qDegreesToRadians(fieldOfView / 2)) / margin;
@@ -47,7 +47,7 @@ QMatrix4x4 lightMatrix(QVector3D direction)
 {
     direction.normalize();
     const QVector3D up = std::abs(direction.y()) > 0.99F ? QVector3D(1, 0, 0) : QVector3D(0, 1, 0);
-    const float extent = 1.5F; // the model and the better part of its shadow
+    const float extent = 1.5F; // the model and most of its shadow
     QMatrix4x4 matrix;
     matrix.ortho(-extent, extent, -extent, extent, 0.1F, 8);
     matrix.lookAt(direction * 4, QVector3D(), up);
@@ -86,7 +86,7 @@ void CamerasPass::start(Kestrin::Orv::RenderCallbacks* callbacks)
 
 void CamerasPass::skip(Kestrin::Orv::RenderCallbacks*)
 {
-    // The matrices of the last frame are as good as any: nothing that reads them runs in this one.
+    // The matrices of the last frame may stay: no pass that reads them runs in this frame.
 }
 
 } // namespace Gallery

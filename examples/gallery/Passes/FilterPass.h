@@ -10,9 +10,9 @@ namespace Gallery {
 
 /// Fills its targets with one full-screen triangle.
 ///
-/// The fragment shader of the input "Color" finds its texture in the sampler "uColor", and in the
-/// int "uColorLive" whether a pass fed it. Otherwise the texture is of one colour, the input's
-/// default. Other inputs arrive in uniforms of the same kind of name.
+/// For an input "Color", the fragment shader finds the texture in the sampler "uColor". The int
+/// "uColorLive" says whether a pass fed it. If not, the texture has one colour, the input's
+/// default. Other inputs arrive in uniforms with names of the same form.
 class FilterPass : public GalleryPass
 {
 public:
@@ -23,8 +23,8 @@ public:
     FilterPass* texture(const char* inputName, const QColor& defaultColor);
     FilterPass* value(const char* inputName, const QVariant& defaultValue);
     FilterPass* target(const char* outputName, GLenum format);
-    /// Makes the targets as large as the texture at this input; a texel if no pass feeds it.
-    /// Without this, they are as large as the frame.
+    /// Makes the targets as large as the texture at this input, or one texel large if no pass feeds
+    /// it. Without this call, they are as large as the frame.
     FilterPass* sizedLike(const char* inputName);
     /// Makes the targets smaller.
     FilterPass* scaledDown(int divisor);
@@ -42,7 +42,7 @@ private:
     {
         int input;
         QByteArray uniform;
-        GLuint flat; // the one-coloured stand-in
+        GLuint flat; // the texture with one colour
     };
 
     QVector<Sampler> samplers;

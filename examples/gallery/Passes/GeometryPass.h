@@ -8,14 +8,14 @@
 
 namespace Gallery {
 
-/// Draws the scene's triangles as the camera of its matrices sees them.
+/// Draws the scene's triangles as seen by the camera of its input matrices.
 class GeometryPass : public GalleryPass
 {
 public:
-    /// From the light, into a square of its own: "LightMatrix" to "ShadowDepth".
+    /// A pass that draws from the light into its own square target: "LightMatrix" to "ShadowDepth".
     static GeometryPass* makeShadowMap(const QString& name);
-    /// From the camera: "View" and "Projection" to "Albedo" (and metalness), "Normal" (in view
-    /// space, and roughness) and "Depth".
+    /// A pass that draws from the camera: "View" and "Projection" to "Albedo" (and metalness),
+    /// "Normal" (in view space, and roughness) and "Depth".
     static GeometryPass* makeGBuffer(const QString& name);
 
 protected:
@@ -25,7 +25,7 @@ protected:
 private:
     using GalleryPass::GalleryPass;
 
-    QSize fixedSize; // null for the frame's
+    QSize fixedSize; // null for the size of the frame
 };
 
 } // namespace Gallery

@@ -8,8 +8,8 @@
 
 namespace Gallery {
 
-/// Measures the picture before tone mapping: "Color" to "Luminance", a number, the geometric mean.
-/// No picture needs it; it runs when it is the renderer's target.
+/// Measures the picture before tone mapping: "Color" to "Luminance", the geometric mean as a
+/// number. No picture needs it, so it runs only as the renderer's target.
 class LightMeterPass : public FilterPass
 {
 public:

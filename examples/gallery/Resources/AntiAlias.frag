@@ -8,7 +8,7 @@ uniform vec3 uTargetSize;
 
 out vec4 oSmooth;
 
-// Blends along the edge that the brightness of the neighbours shows.
+// Blends along the edge that the brightness of the neighbours indicates.
 void main()
 {
     vec2 texel = 1.0 / uTargetSize.xy;
@@ -32,6 +32,6 @@ void main()
            + texture(uColor, vUv + along * (2.0 / 3.0 - 0.5)));
     vec4 far = near * 0.5
         + 0.25 * (texture(uColor, vUv - along * 0.5) + texture(uColor, vUv + along * 0.5));
-    // The far taps have left the edge when they are brighter or darker than the surroundings.
+    // The far samples have left the edge if they are brighter or darker than the surroundings.
     oSmooth = vec4(far.a < low || far.a > high ? near.rgb : far.rgb, 1.0);
 }

@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-// What all shaders share. View space: the camera at the origin looks down -z.
+// Functions that all shaders share. In view space, the camera is at the origin and looks along -z.
 
 precision highp float;
 precision highp int;

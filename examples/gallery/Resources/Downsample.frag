@@ -7,7 +7,7 @@ uniform sampler2D uColor;
 
 out vec4 oColor;
 
-// A tent over four bilinear taps of the finer level.
+// A tent filter over four bilinear samples of the finer level.
 void main()
 {
     vec2 texel = 1.0 / vec2(textureSize(uColor, 0));

@@ -14,7 +14,7 @@ layout(location = 1) out vec4 oNormal;
 void main()
 {
     vec3 normal = normalize(vNormal);
-    // Surfaces have two sides, whatever way their triangles are wound.
+    // Surfaces have two sides, whatever the winding of their triangles is.
     if (dot(normal, vPosition) > 0.0)
         normal = -normal;
     oAlbedo = vec4(sqrt(uBaseColor), uMetallic); // dark colours get finer steps

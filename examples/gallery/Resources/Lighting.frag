@@ -25,7 +25,7 @@ vec3 background(vec2 uv)
     return mix(vec3(0.24, 0.27, 0.32), vec3(0.035, 0.042, 0.055), smoothstep(0.0, 0.8, vignette));
 }
 
-// A studio: light from above, two wide lamps, a dim floor.
+// The environment is a studio: light from above, two wide lamps, a dim floor.
 vec3 environment(vec3 direction, float roughness)
 {
     float blur = mix(0.06, 0.7, roughness);
@@ -76,7 +76,7 @@ vec3 specular(vec3 n, vec3 v, vec3 l, vec3 f0, float roughness)
     return fresnel * (a2 / (PI * d * d)) / (4.0 * mix(nl, 1.0, k) * mix(nv, 1.0, k));
 }
 
-// What a surface reflects of the environment, integrated over its roughness.
+// The part of the environment that a surface reflects, integrated over its roughness.
 vec3 environmentReflectance(vec3 f0, float roughness, float nv)
 {
     vec4 r = roughness * vec4(-1.0, -0.0275, -0.572, 0.022) + vec4(1.0, 0.0425, 1.04, -0.04);

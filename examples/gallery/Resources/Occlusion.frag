@@ -14,7 +14,7 @@ const int numSamples = 16;
 const float radius = 0.28; // of a model of radius 1
 const float strength = 3.0;
 
-// Gathers what rises above the surface on a spiral around the point.
+// Samples points on a spiral around the point, and gathers those that lie above the surface.
 void main()
 {
     float depth = texture(uDepth, vUv).r;

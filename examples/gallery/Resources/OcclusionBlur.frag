@@ -10,7 +10,7 @@ uniform vec3 uTargetSize;
 
 out vec4 oOcclusion;
 
-// Averages over the dither's 4x4 pixels, and not across the edges of surfaces.
+// Averages over the 4x4 pixels of the dither pattern, but not across the edges of surfaces.
 void main()
 {
     float centre = viewPosition(vUv, texture(uDepth, vUv).r, uProjection).z;

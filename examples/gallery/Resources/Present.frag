@@ -9,7 +9,7 @@ uniform int uSmoothLive;
 
 out vec4 oPicture;
 
-// Takes the anti-aliased picture if there is one. Rows run from the top, as in picture files.
+// Uses the anti-aliased picture if there is one. Rows run from the top, as in picture files.
 void main()
 {
     vec2 uv = vec2(vUv.x, 1.0 - vUv.y);

@@ -9,7 +9,7 @@ out vec4 oBright;
 
 const float knee = 0.9;
 
-// Keeps the brightest parts; the cap keeps one glint from lighting up everything.
+// Keeps the brightest parts. The limit prevents a single bright point from lighting up everything.
 void main()
 {
     vec3 color = texture(uColor, vUv).rgb;

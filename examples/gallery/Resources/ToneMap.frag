@@ -24,6 +24,6 @@ void main()
 {
     vec3 color = (texture(uColor, vUv).rgb + texture(uBloom, vUv).rgb) * uExposure;
     vec3 coded = gammaCoded(film(color * 0.8));
-    // Brightness as it is seen, for the edges that anti-aliasing looks for.
+    // Perceived brightness, for the edge search of anti-aliasing.
     oColor = vec4(coded, luminance(coded));
 }
