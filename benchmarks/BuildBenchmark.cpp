@@ -13,7 +13,7 @@
 #include <memory>
 #include <random>
 
-// Building a graph: nodes and ports, then connections, each behind a cycle test.
+// Building a graph: nodes and ports, then connections, each with a cycle test.
 
 using namespace OrvBench;
 using Kestrin::Orv::Graph;
@@ -32,8 +32,7 @@ std::unique_ptr<Graph> buildGraph(const Shape& shape)
 /// All subjects refuse the same further edges.
 void compare(Shape shape)
 {
-    // An output that feeds the root is refused to siblings on that account, so it feeds nothing
-    // here.
+    // An output that feeds the root cannot feed siblings, so it feeds nothing here.
     const auto touchesRoot = [](const Shape::Connection& connection) {
         return connection.kind != Shape::Kind::Regular;
     };
@@ -62,8 +61,8 @@ void compare(Shape shape)
     }
 }
 
-/// The shapes are compared when built sink first, which takes the least time. Whichever way they
-/// are built, each of their connections must be accepted.
+/// The shapes are compared when they are built sink first, which takes the least time. In both
+/// orders, each connection must be accepted.
 const Shape& shapeOf(const std::string& work, int size, Order order, const MakeShape& make)
 {
     static Cache<Shape> shapes;
@@ -97,7 +96,7 @@ const bool registered = [] {
         addRows("layered", size, Order::SinkFirst, layers);
     for (const int size : {200, 2000})
         addRows("layered", size, Order::SourceFirst, layers);
-    // The peers search thousands of nodes for each connection, which takes minutes: scripts/bench
+    // The peers search thousands of nodes for each connection. This takes minutes, so scripts/bench
     // leaves it out.
     addRows("layered", 20000, Order::SourceFirst, layers, true);
     for (const int size : {100, 1000, 10000}) {

@@ -20,15 +20,15 @@
 #include <functional>
 #include <memory>
 
-// What things take from the heap: bytes that stay, and allocations that an operation makes. These
-// rows are counted, not timed; each count comes out the same on every run.
+// Memory on the heap: bytes that stay allocated, and allocations of an operation. These rows are
+// counted, not timed. Each count is the same on every run.
 
 using namespace OrvBench;
 using namespace Kestrin::Orv;
 
 namespace {
 
-/// Allocations made by `work`.
+/// The number of allocations made by `work`.
 template<typename Work>
 double countAllocations(Work work)
 {
@@ -37,7 +37,7 @@ double countAllocations(Work work)
     return static_cast<double>(allocations().count - before);
 }
 
-/// The counter must count, or every zero below would be one that cannot fail.
+/// The counter must work; otherwise a row that expects zero could not fail.
 void checkCounter()
 {
     const Allocations before = allocations();
@@ -71,7 +71,8 @@ void addCount(const std::string& topic, const std::string& work, const std::stri
 
 constexpr int numNodes = 10000;
 
-/// A chain of nodes with so many inputs and one output each, connected at as many inputs as asked.
+/// A chain of nodes with the given number of inputs and one output each, connected at the given
+/// number of inputs.
 Shape shapeOf(int numInputs, int numConnected)
 {
     Shape shape;
@@ -112,8 +113,8 @@ void addByteRows(const char* subject)
     });
 }
 
-// Allocations. "orv" is what is counted, "allowed" what it may be: what the operation's description
-// says that it allocates.
+// Allocations. "orv" is the counted number. "allowed" is the number in the description of the
+// operation.
 
 void addAllowed(const std::string& work, int size, std::function<double()> count, double allowed)
 {
@@ -194,7 +195,7 @@ double countInWalk(const Graph& graph, Args... args)
     });
 }
 
-/// Nodes that a walk from the bottom yields.
+/// The number of nodes that a walk from the bottom yields.
 int walkLength(const Graph& graph, int start)
 {
     int length = 0;
@@ -206,17 +207,17 @@ int walkLength(const Graph& graph, int start)
 void addWalkerRows()
 {
     const auto bottom = [] { return graphOf(200).numNodesGlobal() - 1; };
-    // The array of visited nodes, and one frame per node; and one of its own.
+    // The array of visited nodes, one frame per node, and one more.
     addAllowed(
         "bottom-up input walk", 200,
         [=] { return countInWalk<BottomUpInputWalker>(graphOf(200), bottom(), true); },
         1 + walkLength(graphOf(200), bottom()) + 1);
-    // A frame per node; and one of its own.
+    // One frame per node, and one more.
     addAllowed(
         "bottom-up subgraph walk", 200,
         [] { return countInWalk<BottomUpSubgraphWalker>(graphOf(200), Graph::kRootNodeRef); },
         graphOf(200).numNodesGlobal() + 1);
-    // The array of visited nodes and the queue; and one of its own.
+    // The array of visited nodes, the queue, and one more.
     addAllowed(
         "breadth-first input walk", 200,
         [=] { return countInWalk<BreadthFirstInputWalker>(graphOf(200), bottom(), true); }, 2 + 1);
@@ -285,7 +286,7 @@ const bool registered = [] {
     addAllowed("1000 frame times", 1, countInHistogram, 0);
     // The two maps and the two tables.
     addAllowed("purge", 200, countInPurge, 4);
-    // The list of what goes, and the list of what is still to be looked at, for each node.
+    // For each node, the list of nodes to remove and the list of nodes still to visit.
     addAllowed("100 removals", 200, countInRemoval, 200);
     // Qt's record of the mapping.
     addAllowed("a mapped range", 1, countInMapping, 1);

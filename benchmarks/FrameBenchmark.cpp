@@ -14,8 +14,7 @@
 #include <memory>
 #include <utility>
 
-// Frames: what a renderer takes for running passes that do next to nothing, and for setting them
-// up.
+// Frames: the time of a renderer for running and setting up passes that do almost nothing.
 
 using namespace OrvBench;
 using Kestrin::Orv::Renderer;
@@ -42,7 +41,7 @@ std::unique_ptr<Renderer> makeRenderer(const Shape& shape, bool staggered)
     return renderer;
 }
 
-/// A renderer, and everything else that runs the renderer's passes.
+/// A renderer, and the other subjects that run its passes.
 struct Subjects
 {
     explicit Subjects(Shape shapeToRun)
@@ -52,7 +51,8 @@ struct Subjects
         , flowFrame(loop)
         , rebuilt(loop)
     {
-        // Deep inside a lightweight node runs the next one: thousands of them overflow the stack.
+        // A lightweight node runs the next one inside itself, so thousands of them overflow the
+        // stack.
         if (loop.numPasses() <= 1000)
             lightweight = std::make_unique<LightweightFlow>(loop);
 
@@ -82,7 +82,7 @@ struct Subjects
     void compare(const std::vector<QVariant>& outputs, uint parameter, Render render,
                  const char* what)
     {
-        // Whatever is not run anew would give itself away by what another parameter leaves.
+        // Another parameter changes the results, which shows passes that do not run again.
         loop.setParameter(parameter + 1);
         requireSame(loop.render(), what);
         requireSame(outputs[0] != loop.output(0), "outputs that tell parameters apart");
@@ -140,8 +140,8 @@ void addFrameRows(const std::string& shape, int size)
         addFrames(shape, "lightweight", size, [](Subjects& s) { return s.lightweight->render(); });
 }
 
-/// A repeated setup, teardown included, beside a frame of the same renderer and the building of a
-/// flow graph.
+/// A repeated setup, including the teardown, beside a frame of the same renderer and beside
+/// building a flow graph.
 void addSetupRows(const std::string& shape, int size)
 {
     addRow("setup", shape, "orv", size, [=](benchmark::State& state) {
@@ -160,7 +160,8 @@ void addSetupRows(const std::string& shape, int size)
     });
 }
 
-/// A renderer under the staggered first frame, all passes up, beside the same one without it.
+/// A renderer under the staggered first frame, with all passes started, beside the same renderer
+/// without it.
 struct StaggeredSubjects
 {
     explicit StaggeredSubjects(const Shape& shape)
@@ -197,7 +198,7 @@ void addStaggeredRows(int size)
     }
 }
 
-/// All the frames from the first one to the one in which the last pass starts.
+/// All frames from the first one to the one that starts the last pass.
 void addBringUpRows(int size)
 {
     struct BringUp

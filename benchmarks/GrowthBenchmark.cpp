@@ -12,8 +12,9 @@
 
 #include <memory>
 
-// How the cost grows from a hundred nodes to a million. The shape is a chain, built sink first. The
-// library also builds it source first, which takes the peers the square of the length.
+// The growth of the costs from a hundred nodes to a million. The shape is a chain, built sink
+// first. The library also builds it source first. For the peers, this takes the square of the
+// length.
 
 using namespace OrvBench;
 using Kestrin::Orv::Graph;
@@ -21,7 +22,7 @@ using Kestrin::Orv::Renderer;
 
 namespace {
 
-/// A pass of few bytes, so that a million of them fit. Its output follows its input.
+/// A small pass, so that a million of them fit into memory. Its output follows its input.
 class SmallPass : public Kestrin::Orv::RenderPass
 {
 public:

@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-// Counting frame times. The size of a row is the number of buckets that its times fall into.
+// Counting frame times. The size of a row is the number of buckets in use.
 
 using namespace OrvBench;
 using Kestrin::Orv::HistogramFrameTimes;
@@ -26,7 +26,7 @@ constexpr unsigned bucketWidth = 500;
 constexpr unsigned highestBucket = 1000000;
 constexpr unsigned flushAfter = 60000000;
 
-/// The same by the standard library's means.
+/// The same histogram, made with the standard library.
 class MapHistogram
 {
 public:
@@ -87,7 +87,7 @@ public:
     unsigned peak() const { return peakBucketUS; }
 };
 
-/// The upper bounds of the same buckets, which prometheus-cpp counts inclusive.
+/// The upper bounds of the same buckets. prometheus-cpp includes the bound in the bucket.
 prometheus::Histogram::BucketBoundaries boundaries()
 {
     prometheus::Histogram::BucketBoundaries bounds;
@@ -110,7 +110,7 @@ Counts countsOf(const prometheus::Histogram& histogram)
     return counts;
 }
 
-/// Frame times around 16.6 ms that fall evenly into so many buckets.
+/// Frame times around 16.6 ms that are spread evenly over the given number of buckets.
 std::vector<unsigned> makeTimes(int numBuckets)
 {
     std::mt19937 random(4);
@@ -129,7 +129,7 @@ void compare(const std::vector<unsigned>& times, int numBuckets)
     OpenHistogram orv;
     MapHistogram map;
     prometheus::Histogram peer(boundaries());
-    // Together they stay below a minute, at which the first two empty themselves.
+    // Their sum stays below a minute, because the first two empty themselves after a minute.
     for (std::size_t i = 0; i < 3000; ++i) {
         orv.addFrameTimeUS(times[i]);
         map.addFrameTimeUS(times[i]);
@@ -180,8 +180,8 @@ void addRows(int numBuckets)
 }
 
 const bool registered = [] {
-    // A process that has had a second thread, as every host of a histogram has: before that, the C
-    // library's mutexes leave out their atomic operations, and QMutex does not.
+    // The process must have started a second thread, as every host of a histogram has. Before that,
+    // the C library's mutexes do without atomic operations, but QMutex does not.
     std::thread([] {}).join();
     for (const int numBuckets : {1, 10, 60})
         addRows(numBuckets);

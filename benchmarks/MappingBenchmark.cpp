@@ -18,8 +18,8 @@
 #include <random>
 #include <string>
 
-// Borrowing a range of a file, reading its first and its last byte, and giving it back. The size of
-// a row is that of the range in KiB. The range begins inside a page.
+// Maps a range of a file, reads its first and its last byte, and releases it. The size of a row is
+// the size of the range in KiB. The range begins inside a page.
 
 using namespace OrvBench;
 using Kestrin::Orv::MemoryMappedFile;
@@ -33,7 +33,7 @@ int endsOf(const unsigned char* range, std::size_t size)
     return 256 * range[0] + range[size - 1];
 }
 
-/// A file of random bytes that is gone again at the end.
+/// A file of random bytes that is removed at the end.
 class SampleFile
 {
 public:
@@ -79,7 +79,7 @@ int readByMmap(int descriptor, std::size_t fileSize, std::size_t size)
     return ends;
 }
 
-/// A mapped_file_source maps one range, which begins at a page; it opens the file itself.
+/// A mapped_file_source maps one range, which begins at a page. It opens the file itself.
 int readByIostreams(const std::string& path, std::size_t size)
 {
     using Source = boost::iostreams::mapped_file_source;

@@ -16,7 +16,7 @@ using Kestrin::Orv::Graph;
 
 namespace {
 
-/// Names as hosts give them: alike at their beginnings, so a comparison reads on to the end.
+/// Names as hosts choose them: they begin alike, so a comparison has to read them to the end.
 QString nameOf(int index)
 {
     return QStringLiteral("renderPass%1").arg(index, 5, 10, QLatin1Char('0'));
@@ -36,7 +36,7 @@ int findIn(const std::vector<QString>& names, const QString& name)
     return found == names.end() ? -1 : static_cast<int>(found - names.begin());
 }
 
-/// The last of `size` names is looked up by another string of the same content.
+/// Looks up the last of `size` names with another string of the same content.
 struct Named
 {
     explicit Named(int size)
@@ -82,7 +82,7 @@ void addFindRows(int size)
     add("find an input", "scan", scan);
 }
 
-// Connecting every node of a chain to the one before it, port by port
+// Connects every node of a chain with the one before it, port by port
 
 struct Chain
 {
@@ -109,7 +109,7 @@ std::unique_ptr<Chain> makeChain(int numNodes)
     return chain;
 }
 
-/// The last pair first, so that cycle tests find nothing.
+/// Connects the last pair first, so that cycle tests find nothing.
 template<typename Connect>
 void connectAll(Chain& chain, Connect connect)
 {
@@ -122,7 +122,7 @@ void connectByName(Chain& chain, int src, int dst)
     chain.graph.connectByName(src, dst);
 }
 
-/// As a host writes it that keeps its names beside the graph: no more calls than needed.
+/// The code of a host that keeps its names beside the graph and makes no unneeded call.
 void joinByHand(Chain& chain, int src, int dst)
 {
     const int numPorts = static_cast<int>(chain.names.size());

@@ -11,8 +11,7 @@
 #include <memory>
 #include <random>
 
-// The ordering query, and the cycle test of an edge that is refused, which is the query at its
-// core.
+// The ordering query, and the cycle test of a refused edge, which mainly consists of that query.
 
 using namespace OrvBench;
 using Kestrin::Orv::Graph;
@@ -67,8 +66,8 @@ struct Subjects
     PortGraph ports;
     FlatGraph flat;
     int top;          // upstream of `bottom`
-    int bottom;       // what the search starts from
-    int besideBottom; // not upstream of `bottom`: the search sees all that is
+    int bottom;       // the start of the search
+    int besideBottom; // not upstream of `bottom`, so the search visits every node that is
 };
 
 Subjects& subjects(int size, bool nested)
@@ -105,13 +104,13 @@ void addPrecedes(const std::string& work, int size, bool nested, bool follow, bo
     });
 }
 
-/// An edge from the bottom to an unfed input of the top is refused, and all stays as it was.
+/// The graph refuses an edge from the bottom to an unfed input of the top, and does not change.
 void addCycleTest(int size)
 {
     const auto edge = [](const Subjects& s) {
         return Shape::Connection{Shape::Kind::Regular, s.bottom, 0, s.top, 1};
     };
-    // The bottom feeds an output of the root, on which account alone its edge would be refused.
+    // The bottom feeds an output of the root. This alone would refuse the edge.
     const auto prepared = [size]() -> Subjects& {
         static Cache<Subjects> cache;
         return cache.get(std::to_string(size), [&] {

@@ -106,7 +106,7 @@ void addRemovalRows(int size)
     add("flat", [](const Shape& shape) { return std::make_unique<FlatGraph>(shape); });
 }
 
-// purge() beside reading everything that it has to read
+// purge() beside reading all data that it has to read
 
 /// Reads every number that the graph holds, once, through its queries.
 qint64 readAll(const Graph& graph)
@@ -148,7 +148,7 @@ std::unique_ptr<Graph> makeGraphToPurge(const Shape& shape)
     return graph;
 }
 
-/// The live edges' ends with the nodes renumbered, worked out beside the library.
+/// The ends of the live edges after renumbering, computed without the library.
 std::vector<int> expectedEnds(const Graph& graph)
 {
     std::vector<int> refs;
@@ -168,7 +168,7 @@ std::vector<int> expectedEnds(const Graph& graph)
     return ends;
 }
 
-/// Whether every live edge is named by the output that it leaves and the input that it enters.
+/// Whether the output that a live edge leaves and the input that it enters both name the edge.
 bool portsAgree(const Graph& graph)
 {
     for (int edge = 0; edge < graph.numEdgesGlobal(); ++edge) {

@@ -14,7 +14,7 @@
 #include <memory>
 #include <vector>
 
-// What it costs to stand behind a TracedPass: in a frame, and for one call.
+// The cost of a TracedPass, in a frame and for one call.
 
 using namespace OrvBench;
 using Kestrin::Orv::RenderCallbacks;
@@ -27,7 +27,7 @@ using Kestrin::Orv::Inspect::TraceEvent;
 
 namespace {
 
-/// The limit: the clock read twice and one record appended for each call that takes time.
+/// The limit: for each call that takes time, read the clock twice and append one record.
 class HandTimes
 {
 public:
@@ -89,7 +89,7 @@ private:
     int index;
 };
 
-/// The same renderer without timing, traced, traced with every call, and timed by hand.
+/// The same renderer: without timing, traced, traced with every call, and timed by hand.
 struct Subjects
 {
     explicit Subjects(const Shape& shape)

@@ -16,8 +16,8 @@
 #include <memory>
 #include <vector>
 
-// Whole walks. Every subject makes its working state anew for each walk and calls `visit` with each
-// node; what Boost.Graph walks, it walks by its own algorithms.
+// Complete walks. Every subject allocates its working state for each walk and calls `visit` with
+// each node. Boost.Graph walks with its own algorithms.
 
 using namespace OrvBench;
 using namespace Kestrin::Orv;
@@ -170,7 +170,7 @@ void walkBreadthFirst(const FlatGraph& flat, int start, Visit visit)
     }
 }
 
-/// The nodes of a walk, in its order. `walk` takes what to do with each of them.
+/// The nodes of a walk, in its order. `walk` takes a function that it calls with each node.
 template<typename Walk>
 std::vector<int> listed(Walk walk)
 {
@@ -198,7 +198,7 @@ struct Subjects
         , flat(flatShape)
     {
         build(shape, graph);
-        // The one with the most upstream: the last sink.
+        // The node with the most nodes upstream: the last sink.
         flatStart = endsOf(flatShape).sinks.back();
         start = ref(flatStart);
 

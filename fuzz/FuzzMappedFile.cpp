@@ -67,7 +67,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         const unsigned long offset = number(), count = number();
         unsigned char* range = file.get(offset, count);
         const bool inside = offset < length && count <= length - offset;
-        // A range of 0 bytes has its own mapping only after the start of a page.
+        // A range of 0 bytes gets no mapping at the start of a page.
         expect((range != nullptr) == (inside && (count > 0 || offset % 4096 != 0)),
                "a range inside the file, and only that, is lent");
         if (range && count > 0) {

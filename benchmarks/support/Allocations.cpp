@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-// glibc's own names of what is replaced here.
+// glibc's own names of the functions that are replaced here.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -23,7 +23,7 @@ namespace {
 std::atomic<std::size_t> numAllocations{0};
 std::atomic<std::ptrdiff_t> bytesInUse{0};
 
-/// What a block takes: the bytes that it has room for and the size that stands before them.
+/// The size of a block: the bytes that it can hold and the size field before them.
 std::ptrdiff_t sizeOf(void* block)
 {
     return block ? static_cast<std::ptrdiff_t>(malloc_usable_size(block) + sizeof(std::size_t)) : 0;

@@ -8,8 +8,8 @@
 
 namespace OrvBench {
 
-/// What the program that links Allocations.cpp has taken from the heap, its libraries included:
-/// that file stands in for malloc and its kin.
+/// Counts the heap allocations of a program that links Allocations.cpp, including its libraries.
+/// That file replaces malloc and related functions.
 struct Allocations
 {
     std::size_t count;    // allocations so far

@@ -12,17 +12,17 @@
 
 namespace OrvBench {
 
-/// The limit of the library's graph: Boost.Graph holding bare nodes and the edges between siblings,
-/// without ports, names or groups. Edges that would close a cycle are refused.
+/// The limit for the library's graph: a Boost.Graph with bare nodes and the edges between siblings,
+/// without ports, names or groups. It refuses edges that would close a cycle.
 ///
-/// The search keeps its marks and its queue from one call to the next, as PortGraph does.
+/// The search keeps its marks and its queue from call to call, like PortGraph.
 class FlatGraph
 {
 public:
     using Nodes = boost::adjacency_list<boost::vecS, boost::vecS, boost::bidirectionalS>;
     using Vertex = boost::graph_traits<Nodes>::vertex_descriptor;
 
-    /// Of a shape without groups.
+    /// Builds a shape without groups.
     explicit FlatGraph(const Shape& shape);
 
     /// False when the edge was refused.

@@ -17,8 +17,7 @@
 
 namespace OrvBench {
 
-/// A pass with little work of its own: its one output mixes all its inputs, their order and its
-/// seed.
+/// A pass with little work: its one output mixes all its inputs, their order and its seed.
 class MixPass : public Kestrin::Orv::RenderPassHelper
 {
 public:
@@ -30,14 +29,15 @@ private:
     uint ownSeed;
 };
 
-/// Builds the shape in a renderer: its root's one input is a parameter, its root's outputs are the
-/// renderer's, every node that is no group is a pass that `makePass` makes of its ref
-/// and port counts.
+/// Builds the shape in a renderer. The one input of the shape's root becomes a parameter, and the
+/// outputs of the root become the renderer's outputs. For every node that is not a group,
+/// `makePass` makes a pass from its ref and port counts.
 template<typename MakePass>
 void build(const Shape& shape, Kestrin::Orv::Renderer& renderer, MakePass makePass);
 
-/// A frame as a hand would write it for this one graph: all sources of inputs known beforehand, the
-/// calls that a renderer makes on its passes, and nothing else. Works on a renderer's own passes.
+/// A frame as a programmer would write it for this one graph: it knows all sources of inputs
+/// beforehand, and makes only the calls that a renderer makes on its passes. It uses the passes of
+/// a renderer.
 class HandWrittenFrame
 {
 public:
@@ -45,11 +45,11 @@ public:
 
     void setParameter(const QVariant& value) { parameter = value; }
     bool render();
-    /// The same while passes come up one per frame.
+    /// The same frame while the passes start one by one.
     bool renderStaggered();
 
     int numPasses() const { return static_cast<int>(steps.size()); }
-    /// One pass's part in the frame.
+    /// The step of one pass in the frame.
     bool runPass(int position) { return run(steps[static_cast<std::size_t>(position)], true); }
     void collectOutputs();
     const QVariant& output(int index) const { return outputs[static_cast<std::size_t>(index)]; }
@@ -80,7 +80,7 @@ private:
     QVariant parameter;
 };
 
-/// The same passes run by a flow graph of oneTBB on one thread: a node per pass, an edge per
+/// A flow graph of oneTBB runs the same passes on one thread, with a node per pass and an edge per
 /// connection. The graph is built once.
 template<typename Policy>
 class FlowFrame
@@ -123,8 +123,8 @@ private:
     std::vector<Node*> sources;
 };
 
-/// The same passes in a graph of functions that is declared, sorted and run anew in every frame, as
-/// frame graphs of renderers do it. All room is kept from frame to frame.
+/// The same passes in a graph of functions that is declared, sorted and run again in every frame,
+/// like the frame graphs of renderers. It keeps its memory from frame to frame.
 class RebuiltFrame
 {
 public:
@@ -147,7 +147,7 @@ private:
     };
 
     HandWrittenFrame& frame;
-    std::vector<std::vector<int>> declaredReads; // by pass: what the host knows about it
+    std::vector<std::vector<int>> declaredReads; // by pass: the passes that it reads
     std::vector<Pass> passes;
     std::vector<int> reads;   // of all passes, one after the other
     std::vector<int> readers; // likewise

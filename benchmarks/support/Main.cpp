@@ -7,7 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
-// The main function of every benchmark program. The context tells the report what was measured.
+// The main function of every benchmark program. The context contains the versions for the report.
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);

@@ -109,7 +109,7 @@ bool PortGraph::precedes(int upstreamNode, int downstreamNode, bool followHierar
                     return true;
                 reach(source);
             } else if (graph[vertex].isInput && !port.isInput) {
-                // A regular edge; the search goes on at all inputs of the sibling.
+                // A regular edge: the search continues at all inputs of the sibling.
                 if (port.node == upstreamNode)
                     return true;
                 if (marks[source] != search) {

@@ -12,12 +12,12 @@
 
 namespace OrvBench {
 
-/// The peer of the library's graph: Boost.Graph holding the same information, a vertex per port, an
-/// edge per connection and an edge from each input of a pass to each of its outputs. Edges that
-/// would feed a port twice or close a cycle are refused, as the library refuses them.
+/// The peer of the library's graph: a Boost.Graph with the same information. It has a vertex per
+/// port, an edge per connection, and an edge from each input of a pass to each of its outputs. Like
+/// the library, it refuses edges that would feed a port twice or close a cycle.
 ///
-/// The searches keep their marks and their queue from one call to the next, so they never clear
-/// or allocate anything: each search has a number of its own.
+/// The searches keep their marks and their queue from call to call. Each search has its own number,
+/// so they never clear or allocate anything.
 class PortGraph
 {
 public:

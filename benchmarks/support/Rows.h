@@ -15,13 +15,13 @@ namespace OrvBench {
 
 using Row = benchmark::internal::Benchmark;
 
-/// Registers one timed row. Rows that differ in the subject alone do the same work and are compared
-/// in the report. The size counts what the work grows with, mostly nodes.
+/// Registers one timed row. Rows that differ only in the subject do the same work, and the report
+/// compares them. The size is the number that the work grows with, mostly nodes.
 Row* addRow(const std::string& topic, const std::string& work, const std::string& subject, int size,
             std::function<void(benchmark::State&)> run);
 
-/// Aborts with a message unless both answers are equal: what answers differently does different
-/// work, and timing it would tell nothing.
+/// Aborts with a message unless both results are equal: subjects with different results do
+/// different work, and comparing their times would be useless.
 void requireSame(bool same, const char* what);
 
 template<typename A, typename B>
@@ -30,8 +30,8 @@ void requireEqual(const A& a, const B& b, const char* what)
     requireSame(a == b, what);
 }
 
-/// Makes something once for every size and keeps it: repetitions share it, and so do all subjects
-/// of a row.
+/// Makes an object once for every size and keeps it. All repetitions and all subjects of a row
+/// share it.
 template<typename T>
 class Cache
 {
@@ -49,7 +49,7 @@ private:
     std::map<std::string, std::unique_ptr<T>> entries;
 };
 
-/// Times `build`, which returns what it built, without the time of destroying that again.
+/// Times `build`, which returns an object. Does not time the destruction of that object.
 template<typename Build>
 void timeBuild(benchmark::State& state, Build build)
 {
@@ -64,7 +64,7 @@ void timeBuild(benchmark::State& state, Build build)
     }
 }
 
-/// Times `work` on something that `prepare` makes afresh, untimed, for every iteration.
+/// Times `work` on a new object for every iteration. `prepare` makes the object and is not timed.
 template<typename Prepare, typename Work>
 void timeOnFresh(benchmark::State& state, Prepare prepare, Work work)
 {

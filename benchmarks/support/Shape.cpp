@@ -36,7 +36,7 @@ int addNode(Shape& shape, int parent, int numInputs, int numOutputs, bool isGrou
     return ref;
 }
 
-/// Calls `connect` for the layers 1 to numLayers - 1, in the order wanted.
+/// Calls `connect` for the layers 1 to numLayers - 1, in the given order.
 template<typename Connect>
 void forLayers(int numLayers, Order order, Connect connect)
 {

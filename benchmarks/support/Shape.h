@@ -16,8 +16,8 @@ class Graph;
 
 namespace OrvBench {
 
-/// What is to be built, as plain data that every subject builds its own graph from. Nodes are
-/// numbered as the library will number them: the root is 0, the others follow in order.
+/// The description of a graph as plain data. Every subject builds its own graph from it. Nodes have
+/// the same numbers as in the library: the root is 0, the others follow in order.
 struct Shape
 {
     enum class Kind { Regular, Down, Up };
@@ -46,23 +46,23 @@ struct Shape
     const Node& node(int ref) const { return nodes[static_cast<std::size_t>(ref)]; }
 };
 
-/// In which order connections are made. Source first, each one's cycle test searches all that is
-/// upstream; sink first, it finds nothing there yet.
+/// The order in which connections are made. Source first, the cycle test of each connection
+/// searches all nodes upstream. Sink first, there are no nodes upstream yet.
 enum class Order { SourceFirst, SinkFirst };
 
 /// Every shape feeds the root's input into its sources and its sinks into the root's outputs.
 /// Each node feeds the next one.
 Shape chain(int numNodes, Order order);
-/// One node feeds all others but one, which is fed by those.
+/// One node feeds all others except the last one, which they feed.
 Shape fan(int numNodes, Order order);
-/// Each node of a layer takes four of the layer before, drawn so that each one there is taken four
-/// times.
+/// Each node of a layer reads four nodes of the layer before, chosen at random so that each of
+/// those is read four times.
 Shape layered(int numLayers, int width, Order order);
 /// A tree of groups, each with ten children; no connections.
 Shape tree(int numNodes);
 
-/// The same with every node inside a group inside a group of its own; wrappedRef() tells which node
-/// of the result stands for a node of the original.
+/// The same shape with every node in its own group inside a group. wrappedRef() returns the node of
+/// the result for a node of the original.
 Shape wrapped(const Shape& flat);
 int wrappedRef(int flatRef);
 
@@ -75,14 +75,14 @@ struct Ends
 };
 Ends endsOf(const Shape& shape);
 
-/// What feeds an input in the end: a node's output, an input of the root, or nothing.
+/// The final source of an input: a node's output, an input of the root, or nothing.
 struct Feed
 {
     int node = -1; // 0 is the root: then `port` is one of its inputs
     int port = -1;
 };
 
-/// The feeds of all inputs and outputs, worked out from the connections alone.
+/// The feeds of all inputs and outputs, computed from the connections alone.
 class Feeds
 {
 public:
@@ -93,19 +93,20 @@ public:
 private:
     struct Ports
     {
-        std::vector<Feed> inputs;     // what is connected directly
-        std::vector<Feed> outputs;    // what is connected directly
+        std::vector<Feed> inputs;     // the direct connections
+        std::vector<Feed> outputs;    // the direct connections
         std::vector<bool> fromParent; // whether the input's feed is an input too
     };
     std::vector<Ports> nodes;
 };
 
-/// Every pass after all that feed it, as a search from the root's outputs finds them.
+/// The passes in execution order, as a search from the root's outputs finds them: each one after
+/// all passes that feed it.
 std::vector<int> passOrder(const Shape& shape, const Feeds& feeds);
 
 /// Builds the shape with the library. Aborts when a connection is refused.
 void build(const Shape& shape, Kestrin::Orv::Graph& graph);
-/// The second half of build(), for a graph that has the nodes already.
+/// The second half of build(), for a graph that already has the nodes.
 void connect(const Shape& shape, Kestrin::Orv::Graph& graph);
 
 } // namespace OrvBench
