@@ -36,8 +36,8 @@ QByteArray DotProgram::draw(const QByteArray& text, const QString& format, int t
         QString text =
             QLatin1String("dot failed with exit code ") + QString::number(process.exitCode());
         if (!messages.isEmpty())
-            text += QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));
-        throw SystemError(text);
+            reason += QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));
+        throw SystemError(reason);
     }
     return process.readAllStandardOutput();
 }
