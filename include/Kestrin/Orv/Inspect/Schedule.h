@@ -26,7 +26,7 @@ struct Schedule
     QVector<QVector<int>> users;
 };
 
-/// Predicts the execution order and the user counts. Linear in what the snapshot holds.
+/// Predicts the execution order and the user counts. Linear in the size of the snapshot.
 ORV_INSPECT_EXPORT Schedule predictSchedule(const Snapshot& snapshot);
 
 } // namespace Inspect
