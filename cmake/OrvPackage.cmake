@@ -59,7 +59,7 @@ orv_package_library(libOrvCore ${core} runtime ""
   "core library of a render-graph framework"
 "A host builds a graph of render passes with named inputs and outputs. The
 library determines which passes the outputs need and in which order, runs them
-frame by frame and passes every result on to its consumers.")
+frame by frame and gives every result to its consumers.")
 orv_package(liborvcore-dev development libdevel
   "${core} ${sameVersion}, qtbase5-dev (>= 5.12)"
   "core library of a render-graph framework (development)"
