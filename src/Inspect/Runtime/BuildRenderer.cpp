@@ -47,7 +47,7 @@ PassFactory::Maker PassFactory::maker(const QString& type) const
 
 namespace {
 
-/// What is wrong with a pass as that of a node; empty if nothing is.
+/// How the ports of a pass differ from those of its node; empty if they do not.
 QString mismatch(const RenderPass& pass, const NodeRecord& node)
 {
     const auto compare = [](const char* kind, int number, const QVector<PortRecord>& ports,
@@ -105,8 +105,8 @@ public:
         }
         makePasses();
         if (!holdsOnlyItsRoot(renderer))
-            report(QLatin1String("renderer-not-empty"),
-                   QLatin1String("the renderer holds something already"), Place());
+            report(QLatin1String("renderer-not-empty"), QLatin1String("the renderer is not empty"),
+                   Place());
         if (problems.isEmpty())
             build(renderer);
         return problems;
@@ -159,7 +159,8 @@ void Building::makePasses()
         }
         if (made.contains(pass)) {
             report(QLatin1String("shared-pass"),
-                   paths.node(ref) + QLatin1String(": its pass was made for another node before"),
+                   paths.node(ref)
+                       + QLatin1String(": its pass has already been made for another node"),
                    place);
             continue;
         }
@@ -191,7 +192,7 @@ void Building::build(Renderer& renderer)
     Graph& graph = *renderer.getGraph();
     for (int ref = 0; ref < snapshot.nodes.size(); ++ref) {
         const NodeRecord& record = snapshot.nodes.at(ref);
-        // A fresh graph numbers its nodes as the canonical does.
+        // A new graph numbers its nodes in the order of the canonical snapshot.
         if (ref == 0) {
             graph.setNodeName(0, record.name);
             graph.setNodeValue(0, record.value);
@@ -214,7 +215,7 @@ void Building::build(Renderer& renderer)
         for (const QString& group : record.groups)
             graph.addInputGroup(ref, group);
         if ((ref == 0 || record.pass) && (hasGroups(record.inputs) || hasGroups(record.outputs))) {
-            // Only a port that is added anew gets a group.
+            // A port gets its group when it is added, not later.
             for (int i = record.inputs.size() - 1; i >= 0; --i)
                 graph.removeInput(ref, i);
             for (int i = record.outputs.size() - 1; i >= 0; --i)

@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: The OrvCore authors
 // SPDX-License-Identifier: MIT
 
-#ifndef ORV_INSPECT_RECORDING_H
-#define ORV_INSPECT_RECORDING_H
+#ifndef KESTRIN_ORV_INSPECT_RECORDING_H
+#define KESTRIN_ORV_INSPECT_RECORDING_H
 
 #include <Kestrin/Orv/Inspect/Trace.h>
 
@@ -17,11 +17,12 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// What a trace has recorded. It stays as long as its trace or one of the passes.
+/// What a trace has recorded. It lives as long as its trace or one of the passes.
 class Recording
 {
 public:
-    /// Tells an event among all that were ever recorded; kNone for one that was not.
+    /// The number of an event among all that were ever recorded; kNone for one that was not
+    /// recorded.
     using Id = qint64;
     static constexpr Id kNone = -1;
     /// The end of an event that has not ended.
@@ -43,7 +44,8 @@ public:
         events.reserve(capacity);
     }
 
-    /// No host may be called any more and nobody can read what would be recorded.
+    /// For the end of the trace: the clock of the host must not be called any more, and nothing
+    /// can read what would be recorded.
     void close()
     {
         clear();
@@ -115,10 +117,10 @@ public:
         }
     }
 
-    /// The error code that a pass told after its EndFrame at \p id.
+    /// Sets the error code that a pass has reported after its EndFrame at \p id.
     void setErrorCode(Id id, int pass, unsigned int code)
     {
-        // A wait may have been inserted before it; then it stands elsewhere.
+        // A wait that was inserted before the EndFrame has moved it.
         TraceEvent* event = find(id);
         if (event != nullptr && event->kind == TraceEvent::EndFrame && event->pass == pass)
             event->errorCode = code;
@@ -148,7 +150,7 @@ private:
     qint64 now()
     {
         const qint64 time = clock ? clock() : steadyTime();
-        // A host's clock may tell anything; the difference may be more than fits.
+        // The clock of a host may return any number; their difference may overflow.
         if (time > origin) {
             lastTime = std::max(
                 lastTime,

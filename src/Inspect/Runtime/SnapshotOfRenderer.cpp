@@ -17,32 +17,41 @@ namespace Inspect {
 
 namespace {
 
-QVector<PortRecord> inputsOf(const Graph& graph, int node)
+/// What a graph can be asked about the ports on one side of a node.
+struct Side
 {
-    QVector<PortRecord> ports(graph.numInputs(node));
-    for (int i = 0; i < ports.size(); ++i) {
-        PortRecord& port = ports[i];
-        port.name = graph.inputName(node, i);
-        port.group = graph.inputGroup(node, i);
-        port.source = graph.inputSource(node, i);
-        port.destinations.resize(graph.numInputDestinations(node, i));
-        for (int k = 0; k < port.destinations.size(); ++k)
-            port.destinations[k] = graph.inputDestination(node, i, k);
-    }
-    return ports;
-}
+    decltype(&Graph::numInputs) numPorts;
+    decltype(&Graph::inputName) name;
+    decltype(&Graph::inputGroup) group;
+    decltype(&Graph::inputSource) source;
+    decltype(&Graph::numInputDestinations) numDestinations;
+    decltype(&Graph::inputDestination) destination;
+};
 
-QVector<PortRecord> outputsOf(const Graph& graph, int node)
+const Side kInputs = {&Graph::numInputs,
+                      &Graph::inputName,
+                      &Graph::inputGroup,
+                      &Graph::inputSource,
+                      &Graph::numInputDestinations,
+                      &Graph::inputDestination};
+const Side kOutputs = {&Graph::numOutputs,
+                       &Graph::outputName,
+                       &Graph::outputGroup,
+                       &Graph::outputSource,
+                       &Graph::numOutputDestinations,
+                       &Graph::outputDestination};
+
+QVector<PortRecord> portsOf(const Graph& graph, int node, const Side& side)
 {
-    QVector<PortRecord> ports(graph.numOutputs(node));
+    QVector<PortRecord> ports((graph.*side.numPorts)(node));
     for (int i = 0; i < ports.size(); ++i) {
         PortRecord& port = ports[i];
-        port.name = graph.outputName(node, i);
-        port.group = graph.outputGroup(node, i);
-        port.source = graph.outputSource(node, i);
-        port.destinations.resize(graph.numOutputDestinations(node, i));
+        port.name = (graph.*side.name)(node, i);
+        port.group = (graph.*side.group)(node, i);
+        port.source = (graph.*side.source)(node, i);
+        port.destinations.resize((graph.*side.numDestinations)(node, i));
         for (int k = 0; k < port.destinations.size(); ++k)
-            port.destinations[k] = graph.outputDestination(node, i, k);
+            port.destinations[k] = (graph.*side.destination)(node, i, k);
     }
     return ports;
 }
@@ -82,8 +91,8 @@ Snapshot Snapshot::of(Renderer& renderer, const TypeOf& typeOf)
         node.groups.resize(graph.numInputGroups(ref));
         for (int i = 0; i < node.groups.size(); ++i)
             node.groups[i] = graph.inputGroupName(ref, i);
-        node.inputs = inputsOf(graph, ref);
-        node.outputs = outputsOf(graph, ref);
+        node.inputs = portsOf(graph, ref, kInputs);
+        node.outputs = portsOf(graph, ref, kOutputs);
         node.children.resize(graph.numNodes(ref));
         for (int i = 0; i < node.children.size(); ++i)
             node.children[i] = graph.getNode(i, ref);

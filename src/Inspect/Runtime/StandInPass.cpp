@@ -14,7 +14,7 @@ namespace Inspect {
 
 namespace {
 
-/// FNV-1a, which gives the same number everywhere.
+/// FNV-1a: the same number on every platform.
 class Fnv
 {
 public:
@@ -22,7 +22,7 @@ public:
     {
         for (const char c : bytes)
             add(c);
-        add('\0'); // where one text ends and the next begins
+        add('\0'); // the end of one text
     }
     uint value() const { return hash; }
 
@@ -32,10 +32,10 @@ private:
     uint hash = 2166136261U;
 };
 
-/// A text that tells the values and the types apart.
+/// A text that differs for different values and types.
 QByteArray textOf(const QVariant& value)
 {
-    if (value.userType() == QMetaType::UInt) // what stand-ins put out
+    if (value.userType() == QMetaType::UInt) // the outputs of stand-ins
         return "uint " + QByteArray::number(value.toUInt());
     QJsonObject object;
     if (!writeValue(value, ValueTypes(), object))

@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Trace.h>
 
+#include "Model/ValueText.h"
 #include "Runtime/PassCast.h"
 #include "Runtime/Recording.h"
 
@@ -12,8 +13,6 @@
 #include <Kestrin/Orv/Renderer.h>
 
 #include <QtCore/QIODevice>
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
 
 #include <charconv>
 #include <iterator>
@@ -205,7 +204,7 @@ QVector<TraceSummary> Trace::passes() const
     {
         int frame = -1;
         std::size_t sample = 0;
-        qint64 countedTo = 0; // calls within calls lie before
+        qint64 countedTo = 0; // calls within calls have ended before
     };
     std::vector<Current> byPass(recording->passes.size());
     std::vector<Sample> samples;
@@ -257,11 +256,11 @@ namespace {
 class Pieces
 {
 public:
-    /// Answers whether it took the piece.
+    /// False if it could not take the piece.
     using Taker = std::function<bool(const QByteArray& piece)>;
 
-    explicit Pieces(Taker whoTakes)
-        : take(std::move(whoTakes))
+    explicit Pieces(Taker taker)
+        : take(std::move(taker))
     {
         text.reserve(kSize + 4096);
     }
@@ -307,14 +306,13 @@ private:
     bool taken = true;
 };
 
-/// A name as it stands within the quotes of JSON.
+/// A name as it stands between the quotes of JSON.
 QByteArray jsonText(const QString& name)
 {
-    // By way of UTF-8, which leaves no half of a character: not all readers bear one.
+    // Through UTF-8, which replaces halves of surrogate pairs: some readers reject them.
     const QByteArray utf8 = name.toUtf8();
-    const QJsonArray array{QString::fromUtf8(utf8.constData(), utf8.size())};
-    const QByteArray json = QJsonDocument(array).toJson(QJsonDocument::Compact);
-    return json.mid(2, json.size() - 4); // without [" and "]
+    const QByteArray json = compactJson(QString::fromUtf8(utf8.constData(), utf8.size())).toUtf8();
+    return json.mid(1, json.size() - 2);
 }
 
 bool write(const Recording& recording, const Pieces::Taker& take)

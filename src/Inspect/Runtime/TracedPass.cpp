@@ -31,7 +31,7 @@ struct TracedPass::Impl
     {
         waiting = {recording->nextId(), recording->lastTime, recording->numBegun, false};
     }
-    /// Ends the waiting if something else has been called since.
+    /// Gives the wait up if something else has been called since.
     void goOnWaiting()
     {
         if (waiting.numBegun != recording->numBegun)
@@ -52,7 +52,8 @@ struct TracedPass::Impl
     std::unique_ptr<RenderPass> pass;
     int index;
 
-    /// The time since start() or skip() has ended, as long as nothing but isFinished() is called.
+    /// The wait since start() or skip() has returned, as long as nothing but isFinished() is
+    /// called.
     struct Waiting
     {
         Recording::Id position = Recording::kNone; // where its event goes
@@ -84,7 +85,8 @@ private:
     Recording::Id event;
 };
 
-/// The question whether a pass is finished. A yes ends the wait for it, and so does an exception.
+/// The question whether a pass is finished. The wait for it ends with the answer yes, or with an
+/// exception.
 class TracedPass::Impl::Question
 {
 public:

@@ -361,6 +361,17 @@ TEST(ReportHistogram, OfEqualFramesHasOneBar)
     EXPECT_EQ(Frames({0, 0, 0}).histogram(), (Lines{"0 ns to 1 ns: 3"}));
 }
 
+TEST(ReportHistogram, DrawsTheNumbersOfItsGridAboveItsBars)
+{
+    const Frames frames({0, 0, 0});
+    const QByteArray chart =
+        between(report(Snapshot(), &frames.trace), "Histogram of 3 frame times", "</svg>");
+    const int lastBar = chart.lastIndexOf("<rect class='bar");
+    ASSERT_GE(lastBar, 0);
+    EXPECT_GT(chart.indexOf(">1</text>"), lastBar);
+    EXPECT_GT(chart.indexOf(">3 frames</text>"), lastBar);
+}
+
 TEST(ReportHistogram, CountsFarLongerFramesTogether)
 {
     std::vector<qint64> times(200, 1000000);

@@ -130,7 +130,7 @@ TEST(BuildRenderer, TellsMakersThatMakeOnePassForTwoNodes)
     PassFactory factory;
     factory.setFallback([pass](const PassRequest&) -> RenderPass* { return pass; });
     EXPECT_EQ(build(kTwo, renderer, factory),
-              "4:1 shared-pass: B: its pass was made for another node before\n");
+              "4:1 shared-pass: B: its pass has already been made for another node\n");
     EXPECT_EQ(passesAlive, 0);
 }
 
@@ -139,7 +139,7 @@ TEST(BuildRenderer, WantsAnEmptyRenderer)
     Renderer renderer;
     renderer.addOutput(QStringLiteral("O"));
     EXPECT_EQ(build(kTwo, renderer, counting()),
-              "0:0 renderer-not-empty: the renderer holds something already\n");
+              "0:0 renderer-not-empty: the renderer is not empty\n");
     EXPECT_EQ(passesAlive, 0);
 }
 
@@ -148,7 +148,7 @@ TEST(BuildRenderer, WantsNoPassWithoutANodeEither)
     Renderer renderer;
     EXPECT_EQ(renderer.addPass(QStringLiteral("X"), new CountedPass, 99), -1);
     EXPECT_EQ(build(kTwo, renderer, PassFactory::standIns()),
-              "0:0 renderer-not-empty: the renderer holds something already\n");
+              "0:0 renderer-not-empty: the renderer is not empty\n");
 }
 
 TEST(BuildRenderer, TellsWhatIsWrongWithASnapshotMadeByHand)
