@@ -162,7 +162,7 @@ void DocumentSyntax::reportUnknownKeys(int object, const DocumentMembers& known)
 
 DocumentMembers DocumentSyntax::readMembers(int object, std::initializer_list<const char*> keys)
 {
-    const DocumentMembers known = members(object, keys);
+    DocumentMembers known = members(object, keys);
     reportUnknownKeys(object, known);
     return known;
 }

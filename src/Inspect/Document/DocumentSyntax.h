@@ -62,15 +62,15 @@ public:
     QVector<Problem> problems() const;
 
     /// Whether a value is an object, a list or a string. Reports it if it is not.
-    bool expect(int item, JsonText::Kind kind, const char* what);
-    bool readString(int item, const char* what, QString& string);
+    bool expect(int item, JsonText::Kind expected, const char* what);
+    bool readString(int item, const char* what, QString& value);
     /// Reads a whole number.
     bool readInt(int item, const char* what, int& number);
 
     /// The values of some keys of an object. Of a duplicate key, the first value.
     DocumentMembers members(int object, std::initializer_list<const char*> keys) const;
-    /// Reports the keys of an object that are not among its members.
-    void reportUnknownKeys(int object, const DocumentMembers& members);
+    /// Reports the keys of an object that are not among the known ones.
+    void reportUnknownKeys(int object, const DocumentMembers& known);
     /// As members() and reportUnknownKeys().
     DocumentMembers readMembers(int object, std::initializer_list<const char*> keys);
 
