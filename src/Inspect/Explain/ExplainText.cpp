@@ -17,7 +17,7 @@ QString latin1(const char* text)
     return QString(QLatin1String(text));
 }
 
-/// A value on one line, with its type if that is not plain to see.
+/// A value on one line, with its type unless it is a bool, a number or a string.
 QString valueText(const QVariant& value)
 {
     const int longest = 60;
@@ -84,7 +84,7 @@ QString Wording::listed(const QVector<PortRef>& ports) const
     return lines;
 }
 
-/// What makes a pass run that nothing needs.
+/// How to make a pass run that nothing needs.
 QString Wording::hint(const NodeExplanation& explanation) const
 {
     const bool itself = explanation.nearest == explanation.node;
@@ -118,7 +118,7 @@ QString Wording::cause(const InputExplanation& explanation) const
     return latin1("no cause is known");
 }
 
-/// What becomes of an edge, and why.
+/// Whether the graph accepts an edge, and why not.
 QString Wording::verdict(const EdgeExplanation& explanation) const
 {
     const QString refused = latin1(" is refused: ");

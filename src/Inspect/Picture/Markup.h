@@ -11,8 +11,8 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// What stands for a character that markup cannot hold or that would not be seen: the symbol for a
-/// control character, or the replacement character. The character itself otherwise.
+/// A visible replacement for a character that markup cannot hold or that is invisible: the symbol
+/// of a control character, or the replacement character. Other characters stay as they are.
 inline ushort visible(ushort c)
 {
     const bool isBidiControl = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
@@ -25,7 +25,7 @@ inline ushort visible(ushort c)
     return c;
 }
 
-/// Any text whatever for XML and HTML, in content or in a quoted attribute, as UTF-8.
+/// Any text as content or as a quoted attribute of XML and HTML, in UTF-8.
 inline QByteArray escapedMarkup(const QString& text)
 {
     QString out;
@@ -34,7 +34,7 @@ inline QByteArray escapedMarkup(const QString& text)
         const QChar c = text.at(i);
         if (c.isSurrogate()) {
             if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
-                // The last two of each plane are no characters.
+                // The last two code points of each plane are not characters.
                 if ((QChar::surrogateToUcs4(c, text.at(i + 1)) & 0xFFFE) == 0xFFFE)
                     out += QChar(QChar::ReplacementCharacter);
                 else

@@ -18,7 +18,7 @@ namespace {
 
 const int kLongestName = 48;
 const int kLongestValue = 16;
-const int kDeepestIndent = 12; // the text stays linear however deep groups are nested
+const int kDeepestIndent = 12; // keeps the size of the text linear, however deep groups are nested
 
 /// How a node is drawn. The palette tells states apart for the colour-blind; lines and words tell
 /// them apart without colour. Dark pages replace these colours one by one, see Report.cpp.
@@ -62,8 +62,7 @@ QByteArray box(const QByteArray& kind, const Look& look, const char* fill)
         + fill + R"(" color=")" + look.line + '"';
 }
 
-/// Any text whatever for a label; Graphviz has escapes of its own there, which begin with a
-/// backslash.
+/// Any text for a label. Graphviz has its own escapes there, which begin with a backslash.
 QByteArray escapedLabel(const QString& text, int length = kLongestName)
 {
     return escapedMarkup(shortened(text, length)).replace("\\", "\\\\");
@@ -194,7 +193,7 @@ QByteArray Drawing::heading(int ref) const
     text += "<td><b>" + label(node.name, "no name") + "</b></td>";
     if (!notes.isEmpty())
         text += "<td><font point-size='9' color='#4b5563'>" + notes + "</font></td>";
-    // Takes most of the room that broad rows below leave.
+    // Takes most of the width that wide rows below leave free.
     return text + "<td colspan='12' cellpadding='0'></td></tr></table>";
 }
 
@@ -230,7 +229,7 @@ void Drawing::drawPass(int ref)
     out += "</table>>]\n";
 }
 
-/// The inputs or outputs of a group or of the renderer as a node of their own.
+/// The inputs or outputs of a group or of the renderer, as a separate node.
 void Drawing::drawPorts(int ref, bool areOutputs, const Look& drawnAs, const QByteArray& title)
 {
     const int numPorts =
@@ -303,7 +302,7 @@ bool Drawing::exists(const PortRef& port) const
     return lookUp(drawn, port.node) && snapshot.hasPort(port);
 }
 
-/// The cell of a port. One that does not exist gets a text in its place.
+/// The cell of a port. For a port that does not exist, a text is drawn instead.
 QByteArray Drawing::end(const PortRef& port)
 {
     const char* side = port.isOutput ? "o" : "i";

@@ -153,7 +153,7 @@ void Page::writeHead()
     const QByteArray title =
         content.title.isEmpty() ? QByteArray("Render graph") : escapedMarkup(content.title);
     out += "<!DOCTYPE html>\n<html lang='en'>\n<head>\n<meta charset='utf-8'>\n"
-           // Nothing is loaded and nothing is run, whatever names or a picture may hold.
+           // Loads and runs nothing, whatever the names or the picture contain.
            "<meta http-equiv='Content-Security-Policy' content="
            R"("default-src 'none'; style-src 'unsafe-inline'; img-src data:; )"
            R"(base-uri 'none'; form-action 'none'">)"

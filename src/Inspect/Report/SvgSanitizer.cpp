@@ -91,7 +91,7 @@ QByteArray sanitizedSvg(const QByteArray& svg, const QByteArray& description)
         switch (reader.readNext()) {
         case QXmlStreamReader::DTD:
             if (reader.text().contains(QLatin1Char('[')))
-                return QByteArray(); // entities of its own
+                return QByteArray(); // it declares entities
             break;
         case QXmlStreamReader::StartElement:
             if (!isInside) {
@@ -103,7 +103,7 @@ QByteArray sanitizedSvg(const QByteArray& svg, const QByteArray& description)
                 isInside = true;
             } else if (isOneOf(reader.name(), kDrawnElements)) {
                 out += "<" + reader.name().toLatin1() + attributes(reader.attributes()) + ">";
-            } else if (reader.name() != QLatin1String("a")) { // of a link, what it is around stays
+            } else if (reader.name() != QLatin1String("a")) { // the content of a link stays
                 reader.skipCurrentElement();
             }
             break;
