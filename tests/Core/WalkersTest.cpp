@@ -7,6 +7,7 @@
 #include "support/GraphLists.h"
 #include "support/GraphSnapshot.h"
 #include "support/MessageRecorder.h"
+#include "support/SampleGraph.h"
 #include "support/SmallStack.h"
 
 #include <gtest/gtest.h>
@@ -30,15 +31,6 @@ using Kestrin::Orv::Graph;
 namespace {
 
 const int kRoot = Graph::kRootNodeRef;
-
-template<typename Walker>
-Refs walk(Walker&& walker)
-{
-    Refs refs;
-    for (; walker.valid() && refs.size() < 1000000; walker.next())
-        refs.push_back(walker.node());
-    return refs;
-}
 
 Refs bottomUp(const Graph& graph, int node, bool followHierarchy)
 {
@@ -79,24 +71,6 @@ struct Diamond
         return result;
     }
     std::map<char, int> node;
-};
-
-//          +-------- g --------+
-//     a -> | -> x ----> y ->   | -> b
-//          +-------------------+
-struct Group
-{
-    Graph graph;
-    const int a = graph.addNode(QStringLiteral("a"), 1, 1, kRoot);
-    const int g = graph.addNode(QStringLiteral("g"), 1, 1, kRoot);
-    const int b = graph.addNode(QStringLiteral("b"), 1, 1, kRoot);
-    const int x = graph.addNode(QStringLiteral("x"), 1, 1, g);
-    const int y = graph.addNode(QStringLiteral("y"), 1, 1, g);
-    const int aToG = graph.addEdge(a, 0, g, 0);
-    const int gToX = graph.addDownEdge(0, x, 0);
-    const int xToY = graph.addEdge(x, 0, y, 0);
-    const int yToG = graph.addUpEdge(0, y, 0);
-    const int gToB = graph.addEdge(g, 0, b, 0);
 };
 
 // The group's input runs through k straight to its output, which the cycle test does not see
@@ -206,7 +180,7 @@ TEST(Walkers, TheirMarksAreZeroOrOne)
 
 TEST(Walkers, ChangeNothingInTheGraph)
 {
-    const Group sample;
+    const SampleGraph sample;
     const std::string before = graphSnapshot(sample.graph);
     bottomUp(sample.graph, sample.b, true);
     breadthFirst(sample.graph, sample.b, true);
@@ -288,7 +262,7 @@ TEST(BottomUpInputWalker, IsInvalidForNoNode)
 
 TEST(BottomUpInputWalker, YieldsAStartOutsideTheTableAlone)
 {
-    const Group sample;
+    const SampleGraph sample;
     for (const bool followHierarchy : {false, true}) {
         for (const int node : kOutside)
             EXPECT_EQ(bottomUp(sample.graph, node, followHierarchy), Refs{node});
@@ -299,7 +273,7 @@ TEST(BottomUpInputWalker, YieldsAStartOutsideTheTableAlone)
 
 TEST(BottomUpInputWalker, YieldsARemovedStartAlone)
 {
-    Group sample;
+    SampleGraph sample;
     sample.graph.removeNode(sample.b);
     EXPECT_EQ(bottomUp(sample.graph, sample.b, true), Refs{sample.b});
     EXPECT_EQ(breadthFirst(sample.graph, sample.b, true), Refs{sample.b});
@@ -307,7 +281,7 @@ TEST(BottomUpInputWalker, YieldsARemovedStartAlone)
 
 TEST(BottomUpInputWalker, StaysAtItsEnd)
 {
-    const Group sample;
+    const SampleGraph sample;
     BottomUpInputWalker walker(sample.graph, sample.a, true);
     EXPECT_EQ(walker.node(), sample.a);
     for (int i = 0; i < 3; ++i) {
@@ -319,14 +293,14 @@ TEST(BottomUpInputWalker, StaysAtItsEnd)
 
 TEST(BottomUpInputWalker, FlatTakesTheGroupAndNotWhatIsInside)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(bottomUp(sample.graph, sample.b, false), (Refs{sample.a, sample.g, sample.b}));
     EXPECT_EQ(bottomUp(sample.graph, sample.y, false), (Refs{sample.x, sample.y}));
 }
 
 TEST(BottomUpInputWalker, FollowingTheHierarchyTakesTheProducersAndNotTheGroup)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(bottomUp(sample.graph, sample.b, true),
               (Refs{sample.a, sample.x, sample.y, sample.b}));
     EXPECT_EQ(bottomUp(sample.graph, sample.g, true), (Refs{sample.a, sample.g}));
@@ -334,7 +308,7 @@ TEST(BottomUpInputWalker, FollowingTheHierarchyTakesTheProducersAndNotTheGroup)
 
 TEST(BottomUpInputWalker, OnlyFollowingTheHierarchyLeavesAGroupThroughItsInputs)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(bottomUp(sample.graph, sample.x, false), Refs{sample.x});
     EXPECT_EQ(bottomUp(sample.graph, sample.x, true), (Refs{sample.a, sample.x}));
 }
@@ -416,7 +390,7 @@ TEST(BottomUpInputWalker, DoesNotReachNodesThatAreAddedMeanwhile)
 
 TEST(BottomUpInputWalker, MayBeDestroyedAtAnyNode)
 {
-    const Group sample;
+    const SampleGraph sample;
     for (int steps = 0; steps < 6; ++steps) {
         BottomUpInputWalker walker(sample.graph, sample.b, true);
         for (int i = 0; i < steps; ++i)
@@ -464,14 +438,14 @@ TEST(BreadthFirstInputWalker, YieldsLevelByLevel)
 
 TEST(BreadthFirstInputWalker, FlatTakesTheGroupAndNotWhatIsInside)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(breadthFirst(sample.graph, sample.b, false), (Refs{sample.b, sample.g, sample.a}));
     EXPECT_EQ(breadthFirst(sample.graph, sample.x, false), Refs{sample.x});
 }
 
 TEST(BreadthFirstInputWalker, FollowingTheHierarchyTakesTheProducersAndNotTheGroup)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(breadthFirst(sample.graph, sample.b, true),
               (Refs{sample.b, sample.y, sample.x, sample.a}));
     EXPECT_EQ(breadthFirst(sample.graph, sample.x, true), (Refs{sample.x, sample.a}));
@@ -504,7 +478,7 @@ TEST(BreadthFirstInputWalker, IsInvalidForNoNode)
 
 TEST(BreadthFirstInputWalker, YieldsAStartOutsideTheTableAlone)
 {
-    const Group sample;
+    const SampleGraph sample;
     for (const bool followHierarchy : {false, true}) {
         for (const int node : kOutside)
             EXPECT_EQ(breadthFirst(sample.graph, node, followHierarchy), Refs{node});
@@ -515,7 +489,7 @@ TEST(BreadthFirstInputWalker, YieldsAStartOutsideTheTableAlone)
 
 TEST(BreadthFirstInputWalker, StaysAtItsEnd)
 {
-    const Group sample;
+    const SampleGraph sample;
     BreadthFirstInputWalker walker(sample.graph, sample.a, true);
     EXPECT_EQ(walker.node(), sample.a);
     for (int i = 0; i < 3; ++i) {
@@ -566,13 +540,13 @@ TEST(BottomUpSubgraphWalker, YieldsChildrenBeforeTheirParent)
 
 TEST(BottomUpSubgraphWalker, YieldsALeafAlone)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(subgraph(sample.graph, sample.x), Refs{sample.x});
 }
 
 TEST(BottomUpSubgraphWalker, FromTheRootYieldsEveryListedNodeTheRootLast)
 {
-    const Group sample;
+    const SampleGraph sample;
     EXPECT_EQ(subgraph(sample.graph, kRoot),
               (Refs{sample.a, sample.x, sample.y, sample.g, sample.b, kRoot}));
 }
@@ -585,7 +559,7 @@ TEST(BottomUpSubgraphWalker, OfANewGraphYieldsTheRoot)
 
 TEST(BottomUpSubgraphWalker, IsInvalidForWhatIsNoValidNode)
 {
-    Group sample;
+    SampleGraph sample;
     sample.graph.removeNode(sample.g);
     for (const int node :
          {-1, INT_MIN, INT_MAX, sample.graph.numNodesGlobal(), sample.g, sample.x}) {
@@ -599,14 +573,14 @@ TEST(BottomUpSubgraphWalker, IsInvalidForWhatIsNoValidNode)
 
 TEST(BottomUpSubgraphWalker, YieldsARemovedNodeThatIsStillListed)
 {
-    Group sample;
+    SampleGraph sample;
     sample.graph.removeChildNode(sample.g);
     EXPECT_EQ(subgraph(sample.graph, kRoot), (Refs{sample.a, sample.g, sample.b, kRoot}));
 }
 
 TEST(BottomUpSubgraphWalker, PassesOverARemovedNodeThatIsListedNoMore)
 {
-    Group sample;
+    SampleGraph sample;
     sample.graph.removeNode(sample.g);
     EXPECT_EQ(subgraph(sample.graph, kRoot), (Refs{sample.a, sample.b, kRoot}));
 }
@@ -625,7 +599,7 @@ TEST(BottomUpSubgraphWalker, StaysAtItsEnd)
 
 TEST(BottomUpSubgraphWalker, MayBeDestroyedAtAnyNode)
 {
-    const Group sample;
+    const SampleGraph sample;
     for (int steps = 0; steps < 8; ++steps) {
         BottomUpSubgraphWalker walker(sample.graph, kRoot);
         for (int i = 0; i < steps; ++i)

@@ -150,7 +150,7 @@ TEST_F(GalleryDocument, OfATargetRunsItAndPrintsItsNumbers)
               1);
 }
 
-TEST_F(GalleryDocument, WithSeveralProblemsIsToldEachWithItsPlace)
+TEST_F(GalleryDocument, WithSeveralProblemsReportsEachWithItsPlace)
 {
     QByteArray text = bytesOf(QStringLiteral(GALLERY_GRAPH));
     text.replace("\"ToneMap.Color -> AntiAlias.Color\"", "\"ToneMap.Colour -> AntiAlias.Color\"");
@@ -168,7 +168,7 @@ class GalleryBadGraph : public GalleryDocument, public testing::WithParamInterfa
 {
 };
 
-TEST_P(GalleryBadGraph, IsToldWithItsPlaceAndRunsNothing)
+TEST_P(GalleryBadGraph, IsReportedWithItsPlaceAndRunsNothing)
 {
     QByteArray text = bytesOf(QStringLiteral(GALLERY_GRAPH));
     const int at = text.indexOf(GetParam().from);

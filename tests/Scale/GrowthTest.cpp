@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Graph.h>
 #include <Kestrin/Orv/Walkers.h>
 
+#include "support/GraphLists.h"
 #include "support/Growth.h"
 
 #include <gtest/gtest.h>
@@ -58,15 +59,6 @@ std::shared_ptr<Graph> ladder(int size)
         right = newRight;
     }
     return graph;
-}
-
-template<typename Walker>
-int countNodes(Walker&& walker)
-{
-    int count = 0;
-    for (; walker.valid(); walker.next())
-        ++count;
-    return count;
 }
 
 } // namespace

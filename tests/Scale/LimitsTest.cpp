@@ -8,6 +8,8 @@
 #include <Kestrin/Orv/Renderer.h>
 #include <Kestrin/Orv/Walkers.h>
 
+#include "support/GraphLists.h"
+
 #include <gtest/gtest.h>
 
 using namespace Kestrin::Orv;
@@ -18,15 +20,6 @@ namespace {
 
 const rlim_t kGiB = 1ul << 30;
 const int kMillion = 1000000;
-
-template<typename Walker>
-int countNodes(Walker&& walker)
-{
-    int count = 0;
-    for (; walker.valid(); walker.next())
-        ++count;
-    return count;
-}
 
 void aMillionNodes()
 {

@@ -65,4 +65,24 @@ inline Refs validEdges(const Kestrin::Orv::Graph& graph)
     return refs;
 }
 
+/// The refs of the nodes that a walker visits, a million at most.
+template<typename Walker>
+Refs walk(Walker&& walker)
+{
+    Refs refs;
+    for (; walker.valid() && refs.size() < 1000000; walker.next())
+        refs.push_back(walker.node());
+    return refs;
+}
+
+/// How many nodes a walker visits.
+template<typename Walker>
+int countNodes(Walker&& walker)
+{
+    int count = 0;
+    for (; walker.valid(); walker.next())
+        ++count;
+    return count;
+}
+
 #endif

@@ -32,15 +32,6 @@ namespace {
 
 const int kRoot = Graph::kRootNodeRef;
 
-template<typename Walker>
-Refs walk(Walker&& walker)
-{
-    Refs refs;
-    for (; walker.valid() && refs.size() < 1000000; walker.next())
-        refs.push_back(walker.node());
-    return refs;
-}
-
 /// A graph whose node `self` is its own parent and holds the ref 2.
 struct SelfParent
 {

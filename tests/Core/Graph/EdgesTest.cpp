@@ -356,7 +356,7 @@ TEST_F(GraphEdges, TheRootHasNoParentToJoin)
 
 // Removal
 
-TEST_F(GraphEdges, ARemovedEdgeStillTellsItsEnds)
+TEST_F(GraphEdges, ARemovedEdgeStillKnowsItsEnds)
 {
     const int edge = graph.addEdge(a, 1, b, 2);
     graph.removeEdge(edge);

@@ -184,7 +184,7 @@ TEST(Inputs, PassWithoutInputsIsLeftAlone)
     EXPECT_EQ(resolve(s, a), "A.numInputs");
 }
 
-TEST(Inputs, AreAsManyAsThePassTellsNow)
+TEST(Inputs, AreAsManyAsThePassHasNow)
 {
     Scene s;
     const int a = s.pass("A", 2, 0);

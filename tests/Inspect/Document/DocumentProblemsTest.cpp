@@ -23,43 +23,43 @@ std::string problemsOfText(const QByteArray& text)
 
 } // namespace
 
-TEST(DocumentProblems, TellThatThereIsNothing)
+TEST(DocumentProblems, ReportThatThereIsNothing)
 {
     EXPECT_EQ(problemsOfText(""), "1:1 syntax: the text ends too early\n");
 }
 
-TEST(DocumentProblems, TellThatTheDocumentIsNoObject)
+TEST(DocumentProblems, ReportThatTheDocumentIsNoObject)
 {
     EXPECT_EQ(problemsOfText(" []"),
               "1:2 wrong-type: the document must be an object, not a list\n");
 }
 
-TEST(DocumentProblems, TellAnUnknownFormatAndNothingElse)
+TEST(DocumentProblems, ReportAnUnknownFormatAndNothingElse)
 {
     EXPECT_EQ(problemsOfText(R"({"format": "graph", "version": 1, "nodes": 3})"),
               "1:12 unknown-format: the format is not \"orv-graph\"\n");
 }
 
-TEST(DocumentProblems, TellAnUnknownVersionAndNothingElse)
+TEST(DocumentProblems, ReportAnUnknownVersionAndNothingElse)
 {
     EXPECT_EQ(problemsOfText(R"({"format": "orv-graph", "version": 2, "nodes": 3})"),
               "1:36 unknown-version: the version is not 1\n");
 }
 
-TEST(DocumentProblems, TellAMissingHeader)
+TEST(DocumentProblems, ReportAMissingHeader)
 {
     EXPECT_EQ(problemsOfText("{}"),
               "1:1 missing-key: the key \"format\" is missing\n"
               "1:1 missing-key: the key \"version\" is missing\n");
 }
 
-TEST(DocumentProblems, TellWhereTheTextIsNotUtf8)
+TEST(DocumentProblems, ReportWhereTheTextIsNotUtf8)
 {
     EXPECT_EQ(problemsOfText("{\n \"\xC3\xA9\x80\": 1}"),
               "2:4 invalid-utf8: the text is not UTF-8 from here on\n");
 }
 
-TEST(DocumentProblems, TellTheFirstByteOfASequenceThatIsNotUtf8)
+TEST(DocumentProblems, ReportTheFirstByteOfASequenceThatIsNotUtf8)
 {
     for (const char* bytes : {"\xC0\x80", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
                               "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xC3", "\xE2\x82"})
@@ -81,13 +81,13 @@ TEST(DocumentProblems, CountColumnsFarInALine)
     EXPECT_EQ(problemsOfText(text + "\\q\"]"), "1:504 syntax: there is no such escape sequence\n");
 }
 
-TEST(DocumentProblems, TellWhereValuesAreNestedTooDeep)
+TEST(DocumentProblems, ReportWhereValuesAreNestedTooDeep)
 {
     const QByteArray deep(100000, '[');
     EXPECT_EQ(problemsOfText(deep), "1:501 too-deep: values are nested deeper than 500\n");
 }
 
-TEST(DocumentProblems, TellWhereListsAreNestedTooDeep)
+TEST(DocumentProblems, ReportWhereListsAreNestedTooDeep)
 {
     QByteArray value;
     for (int i = 0; i < 65; ++i)
@@ -99,7 +99,7 @@ TEST(DocumentProblems, TellWhereListsAreNestedTooDeep)
     EXPECT_EQ(problemsOf(text.constData()), "2:2143 too-deep: lists are nested deeper than 64\n");
 }
 
-TEST(DocumentProblems, AreAllToldAtOnceInTheirOrder)
+TEST(DocumentProblems, AreAllReportedAtOnceInTheirOrder)
 {
     EXPECT_EQ(problemsOf(R"("nodes": [
     {"path": "Bloom", "inputs": ["Angle"], "outputs": ["Color"]},
@@ -133,7 +133,7 @@ TEST(DocumentProblems, AreAllToldAtOnceInTheirOrder)
 )");
 }
 
-TEST(DocumentProblems, TellWhereACommaIsMissing)
+TEST(DocumentProblems, ReportWhereACommaIsMissing)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[])"
                          "\n"
@@ -142,7 +142,7 @@ TEST(DocumentProblems, TellWhereACommaIsMissing)
               "\n");
 }
 
-TEST(DocumentProblems, TellWhereAValueIsMissing)
+TEST(DocumentProblems, ReportWhereAValueIsMissing)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[)"),
               R"(2:10 syntax: a value is expected here)"
@@ -156,14 +156,14 @@ TEST(DocumentProblems, CountColumnsInCharacters)
               "\n");
 }
 
-TEST(DocumentProblems, TellWhatFollowsTheDocument)
+TEST(DocumentProblems, ReportWhatFollowsTheDocument)
 {
     EXPECT_EQ(problemsOf(R"("name":"x"} true {)"),
               R"(2:13 syntax: nothing may follow the document)"
               "\n");
 }
 
-TEST(DocumentProblems, TellKeysThatStandTwice)
+TEST(DocumentProblems, ReportKeysThatStandTwice)
 {
     EXPECT_EQ(problemsOf(R"("name":"a",)"
                          "\n"
@@ -172,7 +172,7 @@ TEST(DocumentProblems, TellKeysThatStandTwice)
               "\n");
 }
 
-TEST(DocumentProblems, TellKeysThatStandTwiceInAValue)
+TEST(DocumentProblems, ReportKeysThatStandTwiceInAValue)
 {
     EXPECT_EQ(
         problemsOf(R"("parameters":[{"name":"a","type":"QVariantMap","value":{"k":{"value":"1"},)"
@@ -182,7 +182,7 @@ TEST(DocumentProblems, TellKeysThatStandTwiceInAValue)
         "\n");
 }
 
-TEST(DocumentProblems, TellUnknownKeys)
+TEST(DocumentProblems, ReportUnknownKeys)
 {
     EXPECT_EQ(problemsOf(R"("node":[])"),
               R"(2:1 unknown-key: there is no key "node" here, only edges, format, groups,)"
@@ -190,7 +190,7 @@ TEST(DocumentProblems, TellUnknownKeys)
               "\n");
 }
 
-TEST(DocumentProblems, TellNodesWithoutPath)
+TEST(DocumentProblems, ReportNodesWithoutPath)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[)"
                          "\n"
@@ -199,21 +199,21 @@ TEST(DocumentProblems, TellNodesWithoutPath)
               "\n");
 }
 
-TEST(DocumentProblems, TellPortsWithoutName)
+TEST(DocumentProblems, ReportPortsWithoutName)
 {
     EXPECT_EQ(problemsOf(R"("outputs":[{}])"),
               R"(2:12 missing-key: the key "name" is missing)"
               "\n");
 }
 
-TEST(DocumentProblems, TellTypesWithoutValue)
+TEST(DocumentProblems, ReportTypesWithoutValue)
 {
     EXPECT_EQ(problemsOf(R"("parameters":[{"name":"A","type":"int"}])"),
               R"(2:15 missing-key: the key "value" is missing)"
               "\n");
 }
 
-TEST(DocumentProblems, TellWhatIsNoList)
+TEST(DocumentProblems, ReportWhatIsNoList)
 {
     EXPECT_EQ(problemsOf(R"("nodes":{},"edges":3)"),
               R"(2:9 wrong-type: "nodes" must be a list, not an object)"
@@ -222,7 +222,7 @@ TEST(DocumentProblems, TellWhatIsNoList)
               "\n");
 }
 
-TEST(DocumentProblems, TellWhatIsNoNode)
+TEST(DocumentProblems, ReportWhatIsNoNode)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[null, []])"),
               R"(2:10 wrong-type: a node must be an object, not null)"
@@ -231,7 +231,7 @@ TEST(DocumentProblems, TellWhatIsNoNode)
               "\n");
 }
 
-TEST(DocumentProblems, TellWhatIsNoPort)
+TEST(DocumentProblems, ReportWhatIsNoPort)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":[true],"outputs":"x"}])"),
               R"(2:32 wrong-type: an input must be a string or an object, not true)"
@@ -240,28 +240,28 @@ TEST(DocumentProblems, TellWhatIsNoPort)
               "\n");
 }
 
-TEST(DocumentProblems, TellFlagsThatAreNone)
+TEST(DocumentProblems, ReportFlagsThatAreNone)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","pass":"","enabled":1}])"),
               R"(2:42 wrong-type: "enabled" must be true or false, not a number)"
               "\n");
 }
 
-TEST(DocumentProblems, TellNumbersThatAreNotWhole)
+TEST(DocumentProblems, ReportNumbersThatAreNotWhole)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","value":1.5}])"),
               R"(2:30 wrong-type: "value" must be a whole number)"
               "\n");
 }
 
-TEST(DocumentProblems, TellWhatIsNoGroup)
+TEST(DocumentProblems, ReportWhatIsNoGroup)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":[{"name":"x","group":[]}]}])"),
               R"(2:52 wrong-type: a group must be a string or a number, not a list)"
               "\n");
 }
 
-TEST(DocumentProblems, TellPathsThatAreNone)
+TEST(DocumentProblems, ReportPathsThatAreNone)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A/"},{"path":""},{"path":"A%2"},{"path":"/A"}])"),
               R"(2:18 bad-path: "A/" is not the path of a node)"
@@ -274,7 +274,7 @@ TEST(DocumentProblems, TellPathsThatAreNone)
               "\n");
 }
 
-TEST(DocumentProblems, TellNodesBeforeTheirParentOnce)
+TEST(DocumentProblems, ReportNodesBeforeTheirParentOnce)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A/B"},)"
                          "\n"
@@ -283,7 +283,7 @@ TEST(DocumentProblems, TellNodesBeforeTheirParentOnce)
               "\n");
 }
 
-TEST(DocumentProblems, TellPathsThatStandTwice)
+TEST(DocumentProblems, ReportPathsThatStandTwice)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A"},)"
                          "\n"
@@ -296,7 +296,7 @@ TEST(DocumentProblems, TellPathsThatStandTwice)
               "\n");
 }
 
-TEST(DocumentProblems, TellNothingOfTheNodesWithinARepeatedOne)
+TEST(DocumentProblems, ReportNothingOfTheNodesWithinARepeatedOne)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A"},{"path":"A/B"},)"
                          "\n"
@@ -306,14 +306,14 @@ TEST(DocumentProblems, TellNothingOfTheNodesWithinARepeatedOne)
               "\n");
 }
 
-TEST(DocumentProblems, TellNumbersWithoutNeed)
+TEST(DocumentProblems, ReportNumbersWithoutNeed)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A[1]"}])"),
               R"(2:18 wrong-number: "A[1]" must be "A" by the order of the entries)"
               "\n");
 }
 
-TEST(DocumentProblems, TellWhereANumberIsNeeded)
+TEST(DocumentProblems, ReportWhereANumberIsNeeded)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A"},)"
                          "\n"
@@ -322,7 +322,7 @@ TEST(DocumentProblems, TellWhereANumberIsNeeded)
               "\n");
 }
 
-TEST(DocumentProblems, TellNumbersOutOfOrder)
+TEST(DocumentProblems, ReportNumbersOutOfOrder)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A[1]"},)"
                          "\n"
@@ -333,7 +333,7 @@ TEST(DocumentProblems, TellNumbersOutOfOrder)
               "\n");
 }
 
-TEST(DocumentProblems, TellValuesThatWouldNameAPass)
+TEST(DocumentProblems, ReportValuesThatWouldNameAPass)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","value":0},{"path":"B","pass":""}])"),
               R"(2:30 value-names-pass: the value 0 is the number of a pass: passes are )"
@@ -341,21 +341,21 @@ TEST(DocumentProblems, TellValuesThatWouldNameAPass)
               "\n");
 }
 
-TEST(DocumentProblems, TellDisabledGroups)
+TEST(DocumentProblems, ReportDisabledGroups)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","enabled":false}])"),
               R"(2:32 misplaced-key: only passes can be enabled or disabled)"
               "\n");
 }
 
-TEST(DocumentProblems, TellPassesWithAValue)
+TEST(DocumentProblems, ReportPassesWithAValue)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","pass":"","value":2}])"),
               R"(2:40 misplaced-key: only groups have a "value"; passes are numbered in order)"
               "\n");
 }
 
-TEST(DocumentProblems, TellGroupsWithADefault)
+TEST(DocumentProblems, ReportGroupsWithADefault)
 {
     EXPECT_EQ(
         problemsOf(R"("nodes":[{"path":"A","inputs":[{"name":"x","default":{"value":true}}]}])"),
@@ -363,7 +363,7 @@ TEST(DocumentProblems, TellGroupsWithADefault)
         "\n");
 }
 
-TEST(DocumentProblems, TellUnknownGroups)
+TEST(DocumentProblems, ReportUnknownGroups)
 {
     EXPECT_EQ(
         problemsOf(R"("nodes":[{"path":"A","groups":["g"],"inputs":[{"name":"x","group":"h"}]}])"),
@@ -386,7 +386,7 @@ TEST(DocumentProblems, AGroupThatCannotBeReadMakesNoOtherOneUnknown)
         "\n");
 }
 
-TEST(DocumentProblems, TellGroupsOfOneName)
+TEST(DocumentProblems, ReportGroupsOfOneName)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","groups":["g","g"],"inputs":[{"name":"x",)"
                          R"("group":"g"}]}])"),
@@ -394,14 +394,14 @@ TEST(DocumentProblems, TellGroupsOfOneName)
               "\n");
 }
 
-TEST(DocumentProblems, TellNumbersWithoutType)
+TEST(DocumentProblems, ReportNumbersWithoutType)
 {
     EXPECT_EQ(problemsOf(R"("parameters":[{"name":"A","value":3}])"),
               R"(2:35 missing-type: only strings, true and false need no "type")"
               "\n");
 }
 
-TEST(DocumentProblems, TellValuesOutOfRange)
+TEST(DocumentProblems, ReportValuesOutOfRange)
 {
     EXPECT_EQ(
         problemsOf(R"("parameters":[{"name":"A","type":"int","value":3000000000},)"
@@ -413,7 +413,7 @@ TEST(DocumentProblems, TellValuesOutOfRange)
         "\n");
 }
 
-TEST(DocumentProblems, TellWhatIsNoEdge)
+TEST(DocumentProblems, ReportWhatIsNoEdge)
 {
     EXPECT_EQ(problemsOf(R"("edges":["A.x","A.x->B.y"])"),
               R"(2:10 bad-edge: "A.x": an edge is written as "FROM -> TO")"
@@ -422,14 +422,14 @@ TEST(DocumentProblems, TellWhatIsNoEdge)
               "\n");
 }
 
-TEST(DocumentProblems, TellEdgesToWhatIsNoPath)
+TEST(DocumentProblems, ReportEdgesToWhatIsNoPath)
 {
     EXPECT_EQ(problemsOf(R"("edges":["A.x[ -> b"],"outputs":["b"])"),
               R"(2:10 bad-path: "A.x[ -> b": "A.x[" is not the path of a port)"
               "\n");
 }
 
-TEST(DocumentProblems, TellEachUnknownNodeOnce)
+TEST(DocumentProblems, ReportEachUnknownNodeOnce)
 {
     EXPECT_EQ(problemsOf(R"("edges":["A.x -> B.y",)"
                          "\n"
@@ -440,14 +440,14 @@ TEST(DocumentProblems, TellEachUnknownNodeOnce)
               "\n");
 }
 
-TEST(DocumentProblems, TellAnUnknownTarget)
+TEST(DocumentProblems, ReportAnUnknownTarget)
 {
     EXPECT_EQ(problemsOf(R"("target":"A")"),
               R"(2:10 unknown-node: target: there is no node "A")"
               "\n");
 }
 
-TEST(DocumentProblems, TellNodesOfOneName)
+TEST(DocumentProblems, ReportNodesOfOneName)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A[0]"},{"path":"A[1]"}],"target":"A")"),
               R"(2:52 ambiguous-node: target: several nodes are called "A": give a number,)"
@@ -455,7 +455,7 @@ TEST(DocumentProblems, TellNodesOfOneName)
               "\n");
 }
 
-TEST(DocumentProblems, TellEachUnknownPortOnce)
+TEST(DocumentProblems, ReportEachUnknownPortOnce)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","outputs":["x"]},{"path":"B"}],)"
                          "\n"
@@ -470,7 +470,7 @@ TEST(DocumentProblems, TellEachUnknownPortOnce)
               "\n");
 }
 
-TEST(DocumentProblems, TellPortsOfOneName)
+TEST(DocumentProblems, ReportPortsOfOneName)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","outputs":["x","x"]}],"outputs":["o"],)"
                          "\n"
@@ -482,7 +482,7 @@ TEST(DocumentProblems, TellPortsOfOneName)
               "\n");
 }
 
-TEST(DocumentProblems, TellEdgesBetweenUnrelatedNodes)
+TEST(DocumentProblems, ReportEdgesBetweenUnrelatedNodes)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","outputs":["x"]},{"path":"B"},{"path":"B/C",)"
                          R"("inputs":["y"]}],)"
@@ -493,7 +493,7 @@ TEST(DocumentProblems, TellEdgesBetweenUnrelatedNodes)
               "\n");
 }
 
-TEST(DocumentProblems, TellInputsFedTwice)
+TEST(DocumentProblems, ReportInputsFedTwice)
 {
     EXPECT_EQ(
         problemsOf(R"("nodes":[{"path":"A","outputs":["x","z"]},{"path":"B","inputs":["y"]}],)"
@@ -503,7 +503,7 @@ TEST(DocumentProblems, TellInputsFedTwice)
         "\n");
 }
 
-TEST(DocumentProblems, TellOutputsThatLeaveTheirGroup)
+TEST(DocumentProblems, ReportOutputsThatLeaveTheirGroup)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","outputs":["x"]},{"path":"B","inputs":["y"]}],)"
                          R"("outputs":["o"],)"
@@ -514,7 +514,7 @@ TEST(DocumentProblems, TellOutputsThatLeaveTheirGroup)
               "\n");
 }
 
-TEST(DocumentProblems, TellACycleAtAGroup)
+TEST(DocumentProblems, ReportACycleAtAGroup)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["i"],"outputs":["o"]},{"path":"G",)"
                          R"("inputs":["i"],"outputs":["o"]},{"path":"G/B","inputs":["i"],)"
@@ -528,7 +528,7 @@ TEST(DocumentProblems, TellACycleAtAGroup)
               "\n");
 }
 
-TEST(DocumentProblems, TellEdgesFromANodeToItself)
+TEST(DocumentProblems, ReportEdgesFromANodeToItself)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["i"],"outputs":["o"]}],)"
                          R"("edges":["A.o -> A.i"])"),
@@ -536,7 +536,7 @@ TEST(DocumentProblems, TellEdgesFromANodeToItself)
               "\n");
 }
 
-TEST(DocumentProblems, TellUnknownKeysOfNodes)
+TEST(DocumentProblems, ReportUnknownKeysOfNodes)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","input":[]}])"),
               R"(2:22 unknown-key: there is no key "input" here, only enabled, groups,)"
@@ -544,7 +544,7 @@ TEST(DocumentProblems, TellUnknownKeysOfNodes)
               "\n");
 }
 
-TEST(DocumentProblems, TellOutputsFedTwice)
+TEST(DocumentProblems, ReportOutputsFedTwice)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","outputs":["x"]},{"path":"B","outputs":["x"]}],)"
                          R"("outputs":["o"],)"
@@ -554,7 +554,7 @@ TEST(DocumentProblems, TellOutputsFedTwice)
               "\n");
 }
 
-TEST(DocumentProblems, TellInputsFedTwiceFromOutside)
+TEST(DocumentProblems, ReportInputsFedTwiceFromOutside)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["x"]}],"parameters":["p","q"],)"
                          "\n"
@@ -563,7 +563,7 @@ TEST(DocumentProblems, TellInputsFedTwiceFromOutside)
               "\n");
 }
 
-TEST(DocumentProblems, TellTheWayOfACycleThroughGroups)
+TEST(DocumentProblems, ReportThePathOfACycleThroughGroups)
 {
     EXPECT_EQ(problemsOf(R"("nodes":[{"path":"A","inputs":["i"],"outputs":["o"]},{"path":"G",)"
                          R"("inputs":["i"],"outputs":["o"]},{"path":"G/B","inputs":["i"],)"

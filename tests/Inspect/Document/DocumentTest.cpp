@@ -300,7 +300,7 @@ TEST(DocumentLosses, AreNoneForRemovedNodesAndEdges)
     EXPECT_FALSE(groups.document.contains("B"));
 }
 
-TEST(DocumentLosses, TellEdgesBetweenUnrelatedNodes)
+TEST(DocumentLosses, NameEdgesBetweenUnrelatedNodes)
 {
     Groups groups;
     const int a = groups.add("A");
@@ -311,7 +311,7 @@ TEST(DocumentLosses, TellEdgesBetweenUnrelatedNodes)
         "0:0 unrelated-nodes: A.o -> G/B.i connects neither siblings nor a group and its child\n");
 }
 
-TEST(DocumentLosses, TellEdgesWhosePortsHaveMoved)
+TEST(DocumentLosses, NameEdgesWhosePortsHaveMoved)
 {
     Groups groups;
     const int a = groups.add("A");
@@ -324,7 +324,7 @@ TEST(DocumentLosses, TellEdgesWhosePortsHaveMoved)
         "0:0 stray-edge: A.o -> B.[no input 1] names a port that has been removed or has moved\n");
 }
 
-TEST(DocumentLosses, TellASharedPass)
+TEST(DocumentLosses, NameASharedPass)
 {
     Renderer renderer;
     const int a = renderer.addPass(QStringLiteral("A"), new StandInPass(NodeRecord()), 0);
@@ -335,7 +335,7 @@ TEST(DocumentLosses, TellASharedPass)
     EXPECT_EQ(listed(losses), "0:0 shared-pass: B has the same pass as another node\n");
 }
 
-TEST(DocumentLosses, TellAValueThatWouldNameAPass)
+TEST(DocumentLosses, NameAValueThatWouldNameAPass)
 {
     Renderer renderer;
     renderer.addPass(QStringLiteral("Null"), nullptr, 0);
@@ -347,7 +347,7 @@ TEST(DocumentLosses, TellAValueThatWouldNameAPass)
     EXPECT_EQ(listed(readDocument(text).problems), "");
 }
 
-TEST(DocumentLosses, TellAnUnlistedNodeAndWriteIt)
+TEST(DocumentLosses, NameAnUnlistedNodeAndWriteIt)
 {
     Groups groups;
     groups.add("A");
@@ -358,7 +358,7 @@ TEST(DocumentLosses, TellAnUnlistedNodeAndWriteIt)
     EXPECT_TRUE(groups.document.contains("\"path\": \"C\""));
 }
 
-TEST(DocumentLosses, TellNodesThatDoNotLieBelowTheRoot)
+TEST(DocumentLosses, NameNodesThatDoNotLieBelowTheRoot)
 {
     Snapshot snapshot;
     snapshot.nodes.resize(4);
@@ -374,7 +374,7 @@ TEST(DocumentLosses, TellNodesThatDoNotLieBelowTheRoot)
     EXPECT_EQ(readDocument(text).snapshot.nodes.size(), 1);
 }
 
-TEST(DocumentLosses, TellATargetThatIsGone)
+TEST(DocumentLosses, NameATargetThatIsGone)
 {
     Groups groups;
     const int a = groups.add("A");
@@ -383,7 +383,7 @@ TEST(DocumentLosses, TellATargetThatIsGone)
     EXPECT_EQ(groups.losses(), "0:0 target-gone: the target is not a node of the graph\n");
 }
 
-TEST(DocumentLosses, TellParametersAndOutputsWithoutPort)
+TEST(DocumentLosses, NameParametersAndOutputsWithoutPort)
 {
     Groups groups;
     groups.renderer.addParameter(QStringLiteral("P"), 1);
@@ -395,7 +395,7 @@ TEST(DocumentLosses, TellParametersAndOutputsWithoutPort)
               "0:0 output-mismatch: the renderer has 1 outputs, but its root has 2\n");
 }
 
-TEST(DocumentLosses, TellEdgesThatAreWrittenInAnotherOrder)
+TEST(DocumentLosses, NameEdgesThatAreWrittenInAnotherOrder)
 {
     // The output fed a sibling first, then its group, then another sibling; and the first is gone.
     Groups groups;
@@ -445,7 +445,7 @@ TEST(Document, KeepsTheNameTheValueAndTheGroupsOfTheRoot)
     EXPECT_EQ(renderer.findParameter(QStringLiteral("P")), 0);
 }
 
-TEST(Document, TellsWhereItsPartsStand)
+TEST(Document, ReportsThePlacesOfItsParts)
 {
     const ReadResult read = readDocument(kSmall);
     const auto at = [](const Place& place) {

@@ -113,7 +113,7 @@ TEST(Paths, AnEmptyNameIsWrittenAsANumber)
     EXPECT_EQ(listed(paths.findPorts(QStringLiteral("[0].[0]"))), std::to_string(node) + ".in0 ");
 }
 
-TEST(Paths, WhatSeparatesIsEscapedInNames)
+TEST(Paths, SeparatorsInNamesAreEscaped)
 {
     Groups groups;
     const int node = groups.add("a/b.c[0]>%\n", 0, 0, 1);
@@ -182,7 +182,7 @@ TEST(Paths, RemovedNodesAreWrittenWithTheirRefAndNotFound)
     EXPECT_EQ(listed(paths.findNodes(QStringLiteral("Bloom/50%252"))), "");
 }
 
-TEST(Paths, ANodeThatItsParentDoesNotListIsToldSo)
+TEST(Paths, ANodeThatItsParentDoesNotListIsMarkedUnlisted)
 {
     Groups groups;
     groups.add("A");
@@ -191,7 +191,7 @@ TEST(Paths, ANodeThatItsParentDoesNotListIsToldSo)
     EXPECT_EQ(text(Paths(snapshot).node(1)), "A[unlisted 1]");
 }
 
-TEST(Paths, ParentsThatLeadInACircleEnd)
+TEST(Paths, ParentsThatFormACycleAreMarked)
 {
     Groups groups;
     groups.add("A");
@@ -202,7 +202,7 @@ TEST(Paths, ParentsThatLeadInACircleEnd)
     EXPECT_EQ(text(Paths(snapshot).node(1)), "[cycle]/A[unlisted 1]");
 }
 
-TEST(Paths, WhatDoesNotExistHasANameAllTheSame)
+TEST(Paths, MissingNodesAndPortsHaveNames)
 {
     const Snapshot snapshot;
     const Paths paths(snapshot);

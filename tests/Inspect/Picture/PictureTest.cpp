@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/Picture.h>
 
+#include "Inspect/support/OddSnapshot.h"
 #include "Inspect/support/RandomRenderer.h"
 #include "Inspect/support/SampleRenderer.h"
 
@@ -17,7 +18,6 @@
 #include <QtCore/QXmlStreamReader>
 
 #include <algorithm>
-#include <random>
 
 using namespace Kestrin::Orv::Inspect;
 
@@ -289,7 +289,7 @@ TEST(Picture, AParameterReachesAnInputThroughGroups)
     EXPECT_TRUE(contains(statement(toGraphviz(builder.snapshot), "n3 ["), "default"));
 }
 
-TEST(Picture, KindsOfEdgeDifferInLineAndArrow)
+TEST(Picture, KindsOfEdgeDifferInLineAndArrowhead)
 {
     SampleRenderer sample;
     const QByteArray picture = toGraphviz(sample.snapshot);
@@ -433,7 +433,7 @@ TEST(Picture, TheSameSnapshotGivesTheSameBytes)
               text(toGraphviz(second.snapshot, {2, 1, 1})));
 }
 
-TEST(Picture, ParentsInACircleAreDrawnOnce)
+TEST(Picture, ParentsThatFormACycleAreDrawnOnce)
 {
     SnapshotBuilder builder;
     const int a = builder.group("A", {"i"}, {"o"});
@@ -472,42 +472,10 @@ TEST(Picture, WithoutEvenARootIsAnEmptyGraph)
 
 TEST(Picture, SnapshotsOfAnyNumbersAreDrawn)
 {
-    std::mt19937 random(1);
-    const auto number = [&](int from, int to) {
-        return std::uniform_int_distribution<int>(from, to)(random);
-    };
-    for (int round = 0; round < 400; ++round) {
-        Snapshot snapshot;
-        const int numNodes = number(1, 8);
-        const int numEdges = number(0, 10);
-        snapshot.nodes.resize(numNodes);
-        for (NodeRecord& node : snapshot.nodes) {
-            node.name = QString::number(number(0, 3));
-            node.parent = number(-2, numNodes);
-            node.removed = number(0, 4) == 0;
-            node.pass = number(0, 1) == 0;
-            node.enabled = number(0, 1) == 0;
-            for (QVector<PortRecord>* ports : {&node.inputs, &node.outputs}) {
-                ports->resize(number(0, 3));
-                for (PortRecord& port : *ports) {
-                    port.source = number(-2, numEdges);
-                    port.destinations = {number(-2, numEdges), number(-2, numEdges)};
-                }
-            }
-            for (int i = number(0, 3); i > 0; --i)
-                node.children.append(number(-2, numNodes));
-        }
-        snapshot.edges.resize(numEdges);
-        for (EdgeRecord& edge : snapshot.edges) {
-            edge.srcNode = number(-2, numNodes);
-            edge.dstNode = number(-2, numNodes);
-            edge.srcIndex = number(-2, 3);
-            edge.dstIndex = number(-2, 3);
-            edge.removed = number(0, 4) == 0;
-        }
-        snapshot.numOutputs = number(0, 3);
-        snapshot.target = number(-2, numNodes);
-        const QByteArray picture = toGraphviz(snapshot, {number(-2, numNodes)});
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const Snapshot snapshot = oddSnapshot(seed);
+        const int numNodes = snapshot.nodes.size();
+        const QByteArray picture = toGraphviz(snapshot, {static_cast<int>(seed % 11) - 2});
 
         for (int ref = 1; ref < numNodes; ++ref) {
             const QByteArray id = QByteArray::number(ref);
@@ -519,77 +487,58 @@ TEST(Picture, SnapshotsOfAnyNumbersAreDrawn)
                 << text(picture);
         }
         int numLiveEdges = 0;
-        for (const EdgeRecord& edge : qAsConst(snapshot.edges))
+        for (const EdgeRecord& edge : snapshot.edges)
             numLiveEdges += !edge.removed;
         EXPECT_GE(numLines(picture, "->"), numLiveEdges) << text(picture);
         EXPECT_EQ(picture.count('{'), picture.count('}'));
-        if (hasGraphviz() && round % 20 == 0)
+        if (hasGraphviz() && seed % 20 == 0)
             expectDrawable(picture);
     }
 }
 
 namespace {
 
-struct Chain
-{
-    explicit Chain(int size)
-    {
-        builder.output("o");
-        int last = 0;
-        for (int i = 0; i < size; ++i) {
-            const int pass = builder.pass("P", {"i"}, {"o"});
-            if (last)
-                builder.connect(last, 0, pass, 0);
-            last = pass;
-        }
-        builder.connect(last, 0, 0, 0);
-    }
-    SnapshotBuilder builder;
-};
-
-struct Nest
+struct Nest : SnapshotBuilder
 {
     explicit Nest(int size)
     {
         int parent = 0;
-        builder.parameter("p", 1);
+        parameter("p", 1);
         for (int i = 0; i < size; ++i) {
-            const int group = builder.group("G", {"i"}, {"o"}, parent);
-            builder.connect(parent, 0, group, 0);
-            parent = group;
+            const int child = group("G", {"i"}, {"o"}, parent);
+            connect(parent, 0, child, 0);
+            parent = child;
         }
         for (int i = 0; i < size; ++i) {
-            const int pass = builder.pass("P", {"i"}, {"o"}, parent);
-            builder.connect(parent, 0, pass, 0);
+            const int child = pass("P", {"i"}, {"o"}, parent);
+            connect(parent, 0, child, 0);
         }
     }
-    SnapshotBuilder builder;
 };
 
-struct ManyPorts
+struct ManyPorts : SnapshotBuilder
 {
     explicit ManyPorts(int size)
     {
-        const int from = builder.pass("From", {}, {"o"});
-        const int group = builder.group("To", {}, {});
-        builder.snapshot.nodes[group].inputs.resize(size);
+        const int from = pass("From", {}, {"o"});
+        const int to = group("To", {}, {});
+        snapshot.nodes[to].inputs.resize(size);
         for (int i = 0; i < size; ++i)
-            builder.connect(from, 0, group, i);
+            connect(from, 0, to, i);
     }
-    SnapshotBuilder builder;
 };
 
 template<typename Subject>
 void draw(Subject& subject)
 {
-    EXPECT_GT(toGraphviz(subject.builder.snapshot).size(), 0);
+    EXPECT_GT(toGraphviz(subject.snapshot).size(), 0);
 }
 
 } // namespace
 
 TEST(PictureGrowth, OfAChainTakesLinearTime)
 {
-    expectLinear<Chain>(10000, draw<Chain>);
+    expectLinear<BuiltChain>(10000, draw<BuiltChain>);
 }
 
 TEST(PictureGrowth, OfGroupsInGroupsTakesLinearTime)

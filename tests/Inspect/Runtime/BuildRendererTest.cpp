@@ -77,7 +77,7 @@ TEST(BuildRenderer, GivesInputsTheDefaultsOfTheDocumentAndNoOthers)
     EXPECT_EQ(renderer.renderPass(2)->defaultValue(0), QVariant());
 }
 
-TEST(BuildRenderer, TellsEachUnknownTypeOnce)
+TEST(BuildRenderer, ReportsEachUnknownTypeOnce)
 {
     Renderer renderer;
     EXPECT_EQ(build(kTwo, renderer, PassFactory()),
@@ -97,7 +97,7 @@ TEST(BuildRenderer, DeletesThePassesThatItHasMadeWhenItFails)
     EXPECT_TRUE(isEmpty(renderer));
 }
 
-TEST(BuildRenderer, TellsPassesWithOtherNames)
+TEST(BuildRenderer, ReportsPassesWithOtherNames)
 {
     Renderer renderer;
     EXPECT_EQ(build(kTwo, renderer, counting(QStringLiteral("j"))),
@@ -106,7 +106,7 @@ TEST(BuildRenderer, TellsPassesWithOtherNames)
     EXPECT_TRUE(isEmpty(renderer));
 }
 
-TEST(BuildRenderer, TellsPassesWithOtherNumbersOfPorts)
+TEST(BuildRenderer, ReportsPassesWithOtherNumbersOfPorts)
 {
     Renderer renderer;
     EXPECT_EQ(
@@ -114,7 +114,7 @@ TEST(BuildRenderer, TellsPassesWithOtherNumbersOfPorts)
         "2:10 wrong-ports: A: the pass has 1 outputs, not 0\n");
 }
 
-TEST(BuildRenderer, TellsMakersThatMakeNothing)
+TEST(BuildRenderer, ReportsMakersThatMakeNothing)
 {
     Renderer renderer;
     PassFactory factory;
@@ -123,7 +123,7 @@ TEST(BuildRenderer, TellsMakersThatMakeNothing)
               "2:10 no-pass: A: no pass of type \"X\" was made\n");
 }
 
-TEST(BuildRenderer, TellsMakersThatMakeOnePassForTwoNodes)
+TEST(BuildRenderer, ReportsMakersThatMakeOnePassForTwoNodes)
 {
     Renderer renderer;
     auto* const pass = new CountedPass;
@@ -151,7 +151,7 @@ TEST(BuildRenderer, WantsNoPassWithoutANodeEither)
               "0:0 renderer-not-empty: the renderer is not empty\n");
 }
 
-TEST(BuildRenderer, TellsWhatIsWrongWithASnapshotMadeByHand)
+TEST(BuildRenderer, ReportsTheProblemsOfASnapshotMadeByHand)
 {
     ReadResult read = readDocument(documentOf(kTwo));
     EdgeRecord back;
@@ -209,7 +209,7 @@ TEST(StandInPass, PutsOutTheNumberOfItsNameAndInputs)
     EXPECT_NE(renderer.output(0), renderer.output(1));
 }
 
-TEST(StandInPass, TellsTypesNamesAndInputsApart)
+TEST(StandInPass, DistinguishesTypesNamesAndInputs)
 {
     const QString name = QStringLiteral("A");
     const uint number = StandInPass::number(name, 0, {1});
@@ -231,7 +231,7 @@ TEST(StandInPass, GivesTheSameNumberEverywhere)
     EXPECT_EQ(StandInPass::number(QStringLiteral("A"), 0, {3}), hash);
 }
 
-TEST(StandInPass, FailsAndTakesTimeAsItIsTold)
+TEST(StandInPass, FailsAndTakesTimeAsSet)
 {
     Renderer renderer;
     auto* const pass = new StandInPass(NodeRecord());

@@ -89,6 +89,23 @@ private:
     int numPasses = 0;
 };
 
+/// Passes that feed one another, and the last an output.
+struct BuiltChain : SnapshotBuilder
+{
+    explicit BuiltChain(int size)
+    {
+        output("o");
+        int last = 0;
+        for (int i = 0; i < size; ++i) {
+            const int node = pass("P", {"i"}, {"o"});
+            if (last)
+                connect(last, 0, node, 0);
+            last = node;
+        }
+        connect(last, 0, 0, 0);
+    }
+};
+
 /// A renderer as one might have it: a scene with shadows, bloom in a group, and passes in every
 /// state.
 struct SampleRenderer : SnapshotBuilder
