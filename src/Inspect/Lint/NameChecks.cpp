@@ -27,8 +27,7 @@ void checkNodeNames(const LintFacts& facts, Findings& findings)
                              facts.paths.node(child)
                                  + QLatin1String(" has the name of an older sibling, ")
                                  + facts.paths.node(*first)
-                                 + QLatin1String(", which is the only one that look-ups by name "
-                                                 "find."));
+                                 + QLatin1String("; look-ups by name find only that one."));
         }
     }
 }
@@ -48,11 +47,10 @@ void checkNamesOf(const LintFacts& facts, Findings& findings, int node, bool isO
         if (first == firsts.constEnd())
             firsts.insert(name, i);
         else
-            findings.add(
-                PortRef{node, i, isOutput},
-                facts.paths.port({node, i, isOutput}) + QLatin1String(" has the name of ")
-                    + facts.paths.port({node, *first, isOutput})
-                    + QLatin1String(", which is the only one that look-ups by name find."));
+            findings.add(PortRef{node, i, isOutput},
+                         facts.paths.port({node, i, isOutput}) + QLatin1String(" has the name of ")
+                             + facts.paths.port({node, *first, isOutput})
+                             + QLatin1String("; look-ups by name find only that one."));
     }
 }
 

@@ -21,7 +21,7 @@ void forGroupInputs(const LintFacts& facts, const Check& check)
     }
 }
 
-/// Whether an output that nobody reads is as it should be.
+/// Whether an output without readers is no mistake.
 bool mayStayUnread(const LintFacts& facts, int node)
 {
     return (facts.node(node).pass && !facts.runs(node)) || node == facts.snapshot.target
@@ -90,7 +90,7 @@ void checkUnreadOutputs(const LintFacts& facts, Findings& findings)
                 continue;
             const int edge = firstCarrier(facts, output);
             findings.add(output,
-                         QLatin1String("Nobody reads ") + facts.paths.port(output)
+                         QLatin1String("Nothing reads ") + facts.paths.port(output)
                              + (edge >= 0 ? QLatin1String(": ")
                                         + facts.paths.port(facts.snapshot.destinationOf(edge))
                                         + QLatin1String(", which it feeds, leads to no pass")

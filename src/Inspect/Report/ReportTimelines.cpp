@@ -16,7 +16,7 @@ namespace Inspect {
 
 namespace {
 
-const int kMostRows = 60; // of a timeline, which nobody reads beyond
+const int kMostRows = 60; // of a timeline; readers do not look any further
 const int kRowHeight = 34;
 const int kBarHeight = 12;
 const int kLongestName = 36;

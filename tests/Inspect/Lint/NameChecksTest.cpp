@@ -16,8 +16,8 @@ TEST(LintNames, SiblingsOfOneNameAreReported)
     host.renderer.setEnabled(first, false);
     host.renderer.setEnabled(second, false);
     EXPECT_EQ(linted(host),
-              "duplicate-name: C[1] has the name of an older sibling, C[0], which is the only one "
-              "that look-ups by name find.\n");
+              "duplicate-name: C[1] has the name of an older sibling, C[0]; look-ups by name find "
+              "only that one.\n");
     EXPECT_EQ(lint(host.snapshot()).first().node, second);
 }
 
@@ -35,10 +35,9 @@ TEST(LintNames, PortsOfOneNameAreReportedButNotUnnamedOnes)
     host.renderer.setTarget(host.pass("C", "in in", "out out in"));
     EXPECT_EQ(
         linted(host),
-        "duplicate-port: C.in[1] has the name of C.in[0], which is the only one that look-ups "
-        "by name find.\n"
-        "duplicate-port: C.out[1] has the name of C.out[0], which is the only one that "
-        "look-ups by name find.\n");
+        "duplicate-port: C.in[1] has the name of C.in[0]; look-ups by name find only that one.\n"
+        "duplicate-port: C.out[1] has the name of C.out[0]; look-ups by name find only that "
+        "one.\n");
     host.graph.setInputName(host.renderer.getTarget(), 0, QString());
     host.graph.setInputName(host.renderer.getTarget(), 1, QString());
     EXPECT_EQ(found(host.snapshot(), "duplicate-port").size(), 1);

@@ -14,7 +14,7 @@ TEST(LintReaders, AnOutputThatNobodyReadsIsReported)
     const int a = host.pass("A", "", "x y");
     host.output("Picture");
     host.up("Picture", a, "x");
-    EXPECT_EQ(linted(host), "unread-output: Nobody reads A.y.\n");
+    EXPECT_EQ(linted(host), "unread-output: Nothing reads A.y.\n");
     EXPECT_EQ(lint(host.snapshot()).first().port, (PortRef{a, 1, true}));
 }
 
@@ -30,7 +30,7 @@ TEST(LintReaders, AnOutputThatEndsInAGroupIsReportedOnce)
     host.graph.addUpEdge(1, a, 0);
     host.link(a, "y", h, "in");
     EXPECT_EQ(linted(host),
-              "unread-output: Nobody reads A.y: H.in, which it feeds, leads to no pass.\n");
+              "unread-output: Nothing reads A.y: H.in, which it feeds, leads to no pass.\n");
 }
 
 TEST(LintReaders, AFedGroupInputThatNothingInsideReadsIsReported)
@@ -51,7 +51,7 @@ TEST(LintReaders, AGroupOutputThatNobodyReadsIsReportedWhereThePassIsReadOtherwi
     host.link(p, "p", q, "p");
     host.up("g", p, "p");
     host.renderer.setTarget(q);
-    EXPECT_EQ(linted(host), "unread-output: Nobody reads G.g.\n");
+    EXPECT_EQ(linted(host), "unread-output: Nothing reads G.g.\n");
 }
 
 TEST(LintReaders, TheOutputsOfTheTargetNeedNoReader)
