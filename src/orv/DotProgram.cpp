@@ -33,7 +33,7 @@ QByteArray DotProgram::draw(const QByteArray& text, const QString& format, int t
         throw SystemError(QStringLiteral("dot crashed"));
     if (process.exitCode() != 0) {
         const QByteArray messages = process.readAllStandardError();
-        QString text =
+        QString reason =
             QLatin1String("dot failed with exit code ") + QString::number(process.exitCode());
         if (!messages.isEmpty())
             reason += QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));

@@ -5,8 +5,7 @@
 #include "Explain/ExplainerImpl.h"
 #include "Model/LookUp.h"
 #include "Rules/Route.h"
-
-#include <QtCore/QHash>
+#include "Rules/UpstreamSearch.h"
 
 namespace Kestrin {
 namespace Orv {
@@ -125,32 +124,14 @@ InputExplanation Explainer::input(int node, int index) const
 
 // Edges
 
-/// The ports from `from` back to `to` when the node of `to` lies upstream of that of `from`,
-/// searched as Graph::precedes() does; nothing if it does not.
+/// The ports from `from` back to `to` if the node of `to` lies upstream of that of `from`; empty if
+/// it does not.
 static QVector<PortRef> cycleOf(const Snapshot& snapshot, const PortRef& from, const PortRef& to)
 {
-    QVector<int> nodes{from.node};
-    QHash<int, PortRef> reachedBy;
-    reachedBy.insert(from.node, PortRef());
-    for (int next = 0; next < nodes.size() && !reachedBy.contains(to.node); ++next) {
-        const int node = nodes.at(next);
-        const int numInputs = snapshot.node(node).inputs.size();
-        for (int i = 0; i < numInputs; ++i) {
-            int source = node;
-            int port = i;
-            if (!snapshot.walkToSourceNode(source, port) || !exists(snapshot, source)
-                || reachedBy.contains(source))
-                continue;
-            reachedBy.insert(source, {node, i, false});
-            nodes.append(source);
-        }
-    }
-    if (!reachedBy.contains(to.node))
+    UpstreamSearch search(snapshot);
+    if (!search.find(to.node, from.node))
         return {};
-
-    QVector<PortRef> inputs; // with the flow
-    for (PortRef by = reachedBy.value(to.node); by.node != kNone; by = reachedBy.value(by.node))
-        inputs.append(by);
+    const QVector<PortRef> inputs = search.inputs();
     QVector<PortRef> cycle{from};
     for (int i = inputs.size() - 1; i >= 0; --i)
         appendToSource(snapshot, inputs.at(i), cycle);

@@ -4,6 +4,7 @@
 #include "Rules/EdgeCheck.h"
 
 #include "Model/LookUp.h"
+#include "Rules/Route.h"
 #include "Rules/StronglyConnected.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ EdgeCheck::EdgeCheck(Snapshot& target, const QVector<EdgeRecord>& candidates)
     , cycles(cyclesOf(target, candidates, finished))
     , closed(cycles.size(), false)
     , order(finished)
-    , lastSearch(static_cast<std::size_t>(target.nodes.size()), 0)
+    , search(target)
 {
     for (int node = 0; node < snapshot.nodes.size(); ++node) {
         const Arc through{outputsOf(node), inputsOf(node)};
@@ -98,52 +99,14 @@ void EdgeCheck::giveUpOn(const Arc& arc)
     closed[static_cast<std::size_t>(cycles[static_cast<std::size_t>(arc.from)])] = true;
 }
 
-/// As Graph::precedes() with followHierarchy. Remembers how it got there.
-bool EdgeCheck::precedes(int upstream, int downstream)
-{
-    ++searches;
-    reached.assign(1, {downstream, -1, -1});
-    lastSearch[static_cast<std::size_t>(downstream)] = searches;
-    if (upstream == downstream)
-        return true;
-    for (std::size_t next = 0; next < reached.size(); ++next) {
-        const int node = reached[next].node;
-        const int numInputs = snapshot.nodes.at(node).inputs.size();
-        for (int input = 0; input < numInputs; ++input) {
-            int source = node;
-            int port = input;
-            if (!snapshot.walkToSourceNode(source, port))
-                continue;
-            int& search = lastSearch[static_cast<std::size_t>(source)];
-            if (search == searches)
-                continue;
-            search = searches;
-            reached.push_back({source, static_cast<int>(next), input});
-            if (source == upstream)
-                return true;
-        }
-    }
-    return false;
-}
-
 QVector<PortRef> EdgeCheck::cycle() const
 {
     QVector<PortRef> ports{Snapshot::sourceOf(refused, EdgeKind::Regular),
                            Snapshot::destinationOf(refused, EdgeKind::Regular)};
-    // From the refused edge's destination, found last, to its source, where the search began.
-    for (int step = static_cast<int>(reached.size()) - 1; step > 0;) {
-        const Step& hop = reached[static_cast<std::size_t>(step)];
-        step = hop.from;
-        int node = reached[static_cast<std::size_t>(step)].node;
-        PortRef port{node, hop.input, false};
-        QVector<PortRef> against{port};
-        while (port.node != hop.node || !port.isOutput) {
-            port = snapshot.feeder(port);
-            if (port.node < 0)
-                break;
-            against.append(port);
-        }
-        // Down to what produces the value; a group on the way is left by its inside.
+    const QVector<PortRef> inputs = search.inputs();
+    for (const PortRef& input : inputs) {
+        QVector<PortRef> against;
+        appendToSource(snapshot, input, against);
         std::reverse(against.begin(), against.end());
         ports += against;
     }
@@ -175,7 +138,7 @@ EdgeCheck::Verdict EdgeCheck::add(const EdgeRecord& edge)
     }
     const Arc arc = arcOf(edge, kind);
     if (closesCycle(arc)) {
-        if (kind == EdgeKind::Regular && precedes(edge.dstNode, edge.srcNode)) {
+        if (kind == EdgeKind::Regular && search.find(edge.dstNode, edge.srcNode)) {
             refused = edge;
             return Cycle;
         }

@@ -5,6 +5,7 @@
 #define KESTRIN_ORV_INSPECT_EDGECHECK_H
 
 #include "Rules/TopologicalOrder.h"
+#include "Rules/UpstreamSearch.h"
 
 #include <Kestrin/Orv/Inspect/Paths.h>
 #include <Kestrin/Orv/Inspect/Snapshot.h>
@@ -50,24 +51,13 @@ private:
                                      std::vector<int>& finished);
     bool closesCycle(const Arc& arc);
     void giveUpOn(const Arc& arc);
-    bool precedes(int upstream, int downstream);
 
     Snapshot& snapshot;
     std::vector<int> finished; // by vertex: the order in which the search for cycles left them
     std::vector<int> cycles;   // by vertex: the cycle that it may be part of; -1 for none
     std::vector<bool> closed;  // by cycle: whether it is one, of edges that the graph takes
     TopologicalOrder order;    // of the accepted edges in the others
-
-    // The last search: which nodes it has reached, and through which input of which.
-    struct Step
-    {
-        int node;
-        int from;  // position in `reached`
-        int input; // of the node there
-    };
-    std::vector<Step> reached;
-    std::vector<int> lastSearch; // by node
-    int searches = 0;
+    UpstreamSearch search;     // of the accepted edges
     EdgeRecord refused;
 };
 
