@@ -3,7 +3,7 @@
 
 #include "Rules/ValueFlow.h"
 
-#include "Inspect/Rules/RandomSnapshot.h"
+#include "Inspect/support/OddSnapshot.h"
 
 #include <gtest/gtest.h>
 
@@ -35,8 +35,8 @@ TEST(ValueFlow, EndsWhereTheWalksOfTheSnapshotEnd)
 {
     int numWalks = 0;
     int numWithoutEnd = 0;
-    for (unsigned seed = 0; seed < 4000; ++seed) {
-        const Snapshot snapshot = RandomSnapshot(seed).snapshot;
+    for (unsigned seed = 0; seed < 12000; ++seed) {
+        const Snapshot snapshot = oddWiredSnapshot(seed);
         const ValueFlow flow(snapshot);
         forPorts(snapshot, [&](const PortRef& port) {
             PortRef expected = port;
@@ -59,8 +59,8 @@ TEST(ValueFlow, EndsWhereTheWalksOfTheSnapshotEnd)
 TEST(ValueFlow, FindsTheSourceThatTheWalkToTheSourceNodeFinds)
 {
     int numFound = 0;
-    for (unsigned seed = 0; seed < 4000; ++seed) {
-        const Snapshot snapshot = RandomSnapshot(seed).snapshot;
+    for (unsigned seed = 0; seed < 12000; ++seed) {
+        const Snapshot snapshot = oddWiredSnapshot(seed);
         const ValueFlow flow(snapshot);
         forPorts(snapshot, [&](const PortRef& port) {
             if (port.isOutput)

@@ -61,4 +61,43 @@ inline Kestrin::Orv::Inspect::Snapshot oddSnapshot(unsigned seed)
     return snapshot;
 }
 
+/// An odd snapshot with more to follow: most edges connect nodes that an edge can connect, at the
+/// ports that the edges name. Parents may still form cycles.
+inline Kestrin::Orv::Inspect::Snapshot oddWiredSnapshot(unsigned seed)
+{
+    using namespace Kestrin::Orv::Inspect;
+    Snapshot snapshot = oddSnapshot(seed);
+    Random random(~seed);
+    const auto node = [&] { return below(random, snapshot.nodes.size() + 1) - 1; };
+    if (snapshot.nodes.isEmpty())
+        return Snapshot();
+    for (NodeRecord& record : snapshot.nodes) {
+        record.parent = below(random, 2) == 0 ? node() : 0;
+        for (QVector<PortRecord>* ports : {&record.inputs, &record.outputs}) {
+            ports->fill(PortRecord());
+            ports->resize(1 + below(random, 3));
+        }
+    }
+    snapshot.nodes[0].parent = -1;
+    snapshot.edges.resize(below(random, 24));
+    for (int ref = 0; ref < snapshot.edges.size(); ++ref) {
+        EdgeRecord& edge = snapshot.edges[ref];
+        edge = {node(), below(random, 3), node(), below(random, 3), below(random, 12) == 0};
+        for (int tries = 6; tries > 0 && snapshot.kindOf(ref) == EdgeKind::None; --tries)
+            edge.srcNode = node();
+        const PortRef from = snapshot.sourceOf(ref);
+        PortRef to = snapshot.destinationOf(ref);
+        to.isOutput = to.isOutput != (below(random, 10) == 0);
+        const auto port = [&snapshot](const PortRef& at) -> PortRecord& {
+            NodeRecord& record = snapshot.nodes[at.node];
+            return (at.isOutput ? record.outputs : record.inputs)[at.index];
+        };
+        if (snapshot.hasPort(from))
+            port(from).destinations.append(ref);
+        if (snapshot.hasPort(to))
+            port(to).source = ref;
+    }
+    return snapshot;
+}
+
 #endif

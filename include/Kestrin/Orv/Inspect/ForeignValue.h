@@ -4,6 +4,8 @@
 #ifndef KESTRIN_ORV_INSPECT_FOREIGNVALUE_H
 #define KESTRIN_ORV_INSPECT_FOREIGNVALUE_H
 
+#include <Kestrin/Orv/Inspect/Export.h>
+
 #include <QtCore/QJsonValue>
 #include <QtCore/QMetaType>
 #include <QtCore/QString>
