@@ -36,7 +36,8 @@ QByteArray DotProgram::draw(const QByteArray& text, const QString& format, int t
         QString reason =
             QLatin1String("dot failed with exit code ") + QString::number(process.exitCode());
         if (!messages.isEmpty())
-            reason += QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));
+            reason +=
+                QLatin1String(": ") + QString::fromUtf8(messages.left(messages.indexOf('\n')));
         throw SystemError(reason);
     }
     return process.readAllStandardOutput();

@@ -10,7 +10,7 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-/// The entry at any `index` whatever: an empty one where there is none.
+/// The entry at `index`, which may be any number: an empty entry where the list has none.
 template<typename T>
 const T& lookUp(const QVector<T>& list, int index)
 {

@@ -20,8 +20,8 @@ const int kLongestName = 48;
 const int kLongestValue = 16;
 const int kDeepestIndent = 12; // keeps the size of the text linear, however deep groups are nested
 
-/// How a node is drawn. The palette tells states apart for the colour-blind; lines and words tell
-/// them apart without colour. Dark pages replace these colours one by one, see Report.cpp.
+/// How a node is drawn. The colours differ for colour-blind readers too; lines and words
+/// distinguish states without colour. Dark pages replace these colours one by one, see Report.cpp.
 struct Look
 {
     const char* name; // the class of the drawn node
