@@ -69,6 +69,31 @@ TEST(BuildRenderer, MakesPassesThroughTheFactory)
     EXPECT_EQ(renderer.getGraph()->inputSource(2, 0), 0);
 }
 
+TEST(BuildRenderer, AsksForEachPassByTheNodeThatItGetsInTheRenderer)
+{
+    // Removed nodes have no place in the renderer, so the refs of the snapshot do not hold there.
+    Renderer original;
+    original.addPass(QStringLiteral("Gone"), new CountedPass, Graph::kRootNodeRef);
+    const int group = original.addGroup(QStringLiteral("G"), 0, 0, Graph::kRootNodeRef);
+    original.addPass(QStringLiteral("Inner"), new CountedPass, group);
+    original.addPass(QStringLiteral("Twin"), new CountedPass, Graph::kRootNodeRef);
+    original.addPass(QStringLiteral("Twin"), new CountedPass, Graph::kRootNodeRef);
+    original.getGraph()->removeNode(1);
+
+    std::string asked;
+    PassFactory factory;
+    factory.setFallback([&asked](const PassRequest& request) -> RenderPass* {
+        asked += std::to_string(request.ref) + ' ' + request.path.toStdString() + ' '
+            + request.node.name.toStdString() + '\n';
+        return new CountedPass;
+    });
+    Renderer built;
+    EXPECT_EQ(listed(buildRenderer(Snapshot::of(original), built, factory)), "");
+    EXPECT_EQ(asked, "2 G/Inner Inner\n3 Twin[0] Twin\n4 Twin[1] Twin\n");
+    EXPECT_EQ(built.getGraph()->nodeName(2), QStringLiteral("Inner"));
+    EXPECT_EQ(built.getGraph()->nodeName(4), QStringLiteral("Twin"));
+}
+
 TEST(BuildRenderer, GivesInputsTheDefaultsOfTheDocumentAndNoOthers)
 {
     Renderer renderer;
