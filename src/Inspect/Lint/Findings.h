@@ -14,7 +14,7 @@ namespace Inspect {
 class Findings
 {
 public:
-    explicit Findings(const Snapshot& snapshot);
+    explicit Findings(const Snapshot& shown);
 
     /// Sets the code of the findings that follow.
     void setCode(const char* newCode);

@@ -19,7 +19,7 @@ namespace Inspect {
 struct LintFacts
 {
     /// Linear in what the snapshot holds.
-    explicit LintFacts(const Snapshot& snapshot);
+    explicit LintFacts(const Snapshot& shown);
 
     const NodeRecord& node(int ref) const { return snapshot.node(ref); }
     bool exists(int ref) const { return ref >= 0 && ref < snapshot.nodes.size(); }

@@ -21,9 +21,10 @@ namespace Inspect {
 class CountedUsers
 {
 public:
-    /// \param needed by node: whether setup reaches it; kept by reference, as the others.
+    /// \param isNeeded by node: whether setup reaches it; kept by reference, as the others.
     /// Linear in what the snapshot holds.
-    CountedUsers(const Snapshot& snapshot, const PortNumbers& ports, const QVector<bool>& needed);
+    CountedUsers(const Snapshot& counted, const PortNumbers& numbers,
+                 const QVector<bool>& isNeeded);
 
     /// Linear in the number of edges that leave the output.
     int of(int node, int output) const;

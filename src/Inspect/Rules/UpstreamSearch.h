@@ -21,7 +21,7 @@ namespace Inspect {
 class UpstreamSearch
 {
 public:
-    explicit UpstreamSearch(const Snapshot& snapshot);
+    explicit UpstreamSearch(const Snapshot& searched);
 
     /// Whether `upstream` is `downstream` or a node upstream of it. Both exist. Linear in the
     /// inputs of the nodes upstream of `downstream`, times the depth of the groups crossed.

@@ -6,13 +6,15 @@
 #include "Rules/Route.h"
 #include "Rules/ValueFlow.h"
 
+#include <utility>
+
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
 struct UserCounts::Impl
 {
-    Impl(const Snapshot& shown, const Schedule& predicted);
+    Impl(const Snapshot& shown, Schedule predicted);
 
     void findPlaces();
     void findReaders();
@@ -26,9 +28,9 @@ struct UserCounts::Impl
     QVector<QVector<OutputReader>> readers; // by port number
 };
 
-UserCounts::Impl::Impl(const Snapshot& shown, const Schedule& predicted)
+UserCounts::Impl::Impl(const Snapshot& shown, Schedule predicted)
     : snapshot(shown)
-    , schedule(predicted)
+    , schedule(std::move(predicted))
     , flow(shown)
     , places(tableOf(shown.edges.size(), 0))
     , readers(flow.ports().size())

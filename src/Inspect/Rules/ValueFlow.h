@@ -24,7 +24,7 @@ class ValueFlow
 public:
     /// Linear in what the snapshot holds. Where parents form a cycle, walks of more steps than
     /// there are nodes are taken one by one.
-    explicit ValueFlow(const Snapshot& snapshot);
+    explicit ValueFlow(const Snapshot& shown);
 
     /// The end of a walk, and how many edges it followed.
     struct End
