@@ -52,9 +52,13 @@ QVector<PortRef> DiffSide::readers(const PortRef& port) const
     QVector<PortRef> found;
     for (const int edge : shown.port(port).destinations) {
         // The list may name edges that have been removed, or that feed other ports.
-        const PortRef reader = shown.destinationOf(edge);
-        if (!shown.edge(edge).removed && isListed(reader.node) && feeder(reader) == port)
-            found.append(reader);
+        const EdgeRecord& record = shown.edge(edge);
+        for (const bool isOutput : {true, false}) {
+            const PortRef reader{record.dstNode, record.dstIndex, isOutput};
+            if (!record.removed && isListed(reader.node) && feeder(reader) == port
+                && shown.port(reader).source == edge)
+                found.append(reader);
+        }
     }
     return found;
 }
@@ -63,7 +67,7 @@ PortRef DiffSide::match(const PortRef& port) const
 {
     if (!shown.hasPort(port) || !isMatched(port.node))
         return PortRef();
-    const int index = at(portMatches, number(port));
+    const int index = at(portMatches, numbers.of(port));
     return index < 0 ? PortRef() : PortRef{match(port.node), index, port.isOutput};
 }
 

@@ -58,16 +58,10 @@ public:
     /// \param otherIndex the index of the same side's port of that match
     void setMatch(const PortRef& port, int otherIndex)
     {
-        at(portMatches, number(port)) = otherIndex;
+        at(portMatches, numbers.of(port)) = otherIndex;
     }
 
 private:
-    int number(const PortRef& port) const
-    {
-        return port.isOutput ? numbers.output(port.node, port.index)
-                             : numbers.input(port.node, port.index);
-    }
-
     const Snapshot& shown;
     const Paths names;
     const PortNumbers numbers;

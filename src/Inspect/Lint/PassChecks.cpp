@@ -44,14 +44,14 @@ void checkUnneededPasses(const LintFacts& facts, Findings& findings)
             continue;
         const bool isInTarget =
             facts.isGroup(target) && facts.hierarchy.isSameOrAbove(target, node);
-        findings.add(node,
-                     facts.paths.node(node)
-                         + (isInTarget
-                                ? QLatin1String(" never runs: a target that is a group asks for "
-                                                "what feeds the group, not for what lies inside "
-                                                "it.")
-                                : QLatin1String(" never runs: neither an output of the renderer "
-                                                "nor the target needs it.")));
+        findings.add(
+            node,
+            facts.paths.node(node)
+                + (isInTarget
+                       ? QLatin1String(" never runs: the target is a group, and the renderer "
+                                       "runs the passes that feed it, not the passes inside it.")
+                       : QLatin1String(" never runs: neither an output of the renderer "
+                                       "nor the target needs it.")));
     }
 }
 

@@ -83,7 +83,7 @@ void checkUnreadOutputs(const LintFacts& facts, Findings& findings)
             continue;
         for (int i = 0; i < facts.node(node).outputs.size(); ++i) {
             const PortRef output{node, i, true};
-            // Where the output only hands on what another output yields, that one is reported.
+            // An output that only passes on the value of another is not reported: the other is.
             const PortRef feeder = facts.snapshot.feeder(output);
             const bool isOrigin = !facts.isGroup(node) && !facts.snapshot.hasPort(feeder);
             if (facts.isRead(output) || !(isOrigin || facts.isRead(feeder)))

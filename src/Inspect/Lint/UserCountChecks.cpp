@@ -34,7 +34,7 @@ void checkReadersOf(const LintFacts& facts, Findings& findings, const PortRef& o
     }
 }
 
-/// The paths of those readers that the renderer does not look at.
+/// The readers that the renderer does not look at, as the end of a sentence.
 QString uncountedNames(const LintFacts& facts, const QVector<OutputReader>& readers)
 {
     const int numShown = 3;
@@ -46,7 +46,9 @@ QString uncountedNames(const LintFacts& facts, const QVector<OutputReader>& read
     }
     if (numUncounted > numShown)
         names.append(QString::number(numUncounted - numShown) + QLatin1String(" more"));
-    return names.join(QLatin1String(", "));
+    if (names.isEmpty())
+        return QString();
+    return QLatin1String("; not counted: ") + names.join(QLatin1String(", "));
 }
 
 } // namespace
@@ -77,8 +79,7 @@ void checkUncountedUsers(const LintFacts& facts, Findings& findings)
             findings.add(PortRef{node, i, true},
                          facts.paths.output(node, i) + QLatin1String(" has ")
                              + counted(readers.size(), "user")
-                             + QLatin1String(", of whom the renderer counts ")
-                             + QString::number(count) + QLatin1String("; not counted: ")
+                             + QLatin1String(", but the renderer counts ") + QString::number(count)
                              + uncountedNames(facts, readers) + QLatin1Char('.'));
         }
     }

@@ -4,6 +4,7 @@
 #include <Kestrin/Orv/Inspect/Snapshot.h>
 
 #include "Model/LookUp.h"
+#include "Model/Step.h"
 
 namespace Kestrin {
 namespace Orv {
@@ -109,18 +110,20 @@ bool Snapshot::isLivePass(int ref) const
 // As in the graph, no walk takes more steps than there are nodes: a hierarchy that a compaction has
 // left out of step may form a cycle.
 
+/// Steps on the side of `port` as often as there are nodes; false if not even once.
+static bool walk(const Snapshot& snapshot, PortRef port, int& ref, int& index)
+{
+    int steps = 0;
+    while (steps < snapshot.nodes.size() && stepOnSameSide(snapshot, port))
+        ++steps;
+    ref = port.node;
+    index = port.index;
+    return steps > 0;
+}
+
 bool Snapshot::walkUp(int& ref, int& port) const
 {
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const PortRef source = feeder({ref, port, false});
-        if (source.node < 0 || source.isOutput)
-            break;
-        ref = source.node;
-        port = source.index;
-        moved = true;
-    }
-    return moved;
+    return walk(*this, {ref, port, false}, ref, port);
 }
 
 bool Snapshot::walkAcross(int& ref, int& port) const
@@ -135,16 +138,7 @@ bool Snapshot::walkAcross(int& ref, int& port) const
 
 bool Snapshot::walkDown(int& ref, int& port) const
 {
-    bool moved = false;
-    for (int steps = nodes.size(); steps > 0; --steps) {
-        const PortRef source = feeder({ref, port, true});
-        if (source.node < 0)
-            break;
-        ref = source.node;
-        port = source.index;
-        moved = true;
-    }
-    return moved;
+    return walk(*this, {ref, port, true}, ref, port);
 }
 
 bool Snapshot::walkToSourceNode(int& ref, int& port) const

@@ -3,6 +3,8 @@
 
 #include "Rules/Route.h"
 
+#include "Model/Step.h"
+
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
@@ -13,13 +15,8 @@ namespace {
 void appendSameSide(const Snapshot& snapshot, PortRef port, QVector<PortRef>& route)
 {
     route.append(port);
-    for (int steps = snapshot.nodes.size(); steps > 0; --steps) {
-        const PortRef feeder = snapshot.feeder(port);
-        if (feeder.node < 0 || feeder.isOutput != port.isOutput)
-            return;
-        port = feeder;
+    for (int steps = snapshot.nodes.size(); steps > 0 && stepOnSameSide(snapshot, port); --steps)
         route.append(port);
-    }
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include <Kestrin/Orv/Inspect/UserCounts.h>
 
+#include "Rules/Hierarchy.h"
 #include "Rules/Route.h"
 #include "Rules/ValueFlow.h"
 
@@ -19,11 +20,13 @@ struct UserCounts::Impl
     void findPlaces();
     void findReaders();
     void addReader(const PortRef& reader, const PortRef& output, const ValueFlow::Source& source);
+    bool isCounted(const PortRef& output, const ValueFlow::Source& source) const;
     bool runs(int node) const { return schedule.positions.value(node, -1) >= 0; }
 
     const Snapshot& snapshot;
     const Schedule schedule;
     const ValueFlow flow;
+    const Hierarchy hierarchy;
     Table<int> places;                      // by edge: its place among those of the port it leaves
     QVector<QVector<OutputReader>> readers; // by port number
 };
@@ -32,6 +35,7 @@ UserCounts::Impl::Impl(const Snapshot& shown, Schedule predicted)
     : snapshot(shown)
     , schedule(std::move(predicted))
     , flow(shown)
+    , hierarchy(shown)
     , places(tableOf(shown.edges.size(), 0))
     , readers(flow.ports().size())
 {
@@ -77,19 +81,26 @@ void UserCounts::Impl::findReaders()
     }
 }
 
-/// The renderer sees readers beside the output, one level into a group, and beside the group that
-/// the output lies in: of these only as many as edges leave the output.
 void UserCounts::Impl::addReader(const PortRef& reader, const PortRef& output,
                                  const ValueFlow::Source& source)
 {
     const int number = flow.ports().of(output);
     if (number < 0 || !runs(output.node))
         return;
-    const int numEdges = snapshot.port(output).destinations.size();
-    const bool besideGroup = source.downs == 1 && source.ups == 0;
-    const bool counted =
-        source.downs == 0 ? source.ups <= 1 : besideGroup && at(places, source.edge) < numEdges;
-    readers[number].append({reader, counted});
+    readers[number].append({reader, isCounted(output, source)});
+}
+
+/// Whether CountedUsers looks at the node of a reader: beside the output, one level into a group,
+/// or beside the group that the output lies in; of these as many as edges leave the output.
+bool UserCounts::Impl::isCounted(const PortRef& output, const ValueFlow::Source& source) const
+{
+    if (source.downs == 1)
+        return source.ups == 0
+            && at(places, source.edge) < snapshot.port(output).destinations.size();
+    const int beside = snapshot.edge(source.edge).dstNode;
+    const bool isGroupBeside = !snapshot.node(beside).children.isEmpty()
+        && !hierarchy.isSameOrAbove(beside, snapshot.node(output.node).parent);
+    return source.downs == 0 && (source.ups == 0 || (source.ups == 1 && isGroupBeside));
 }
 
 UserCounts::UserCounts(const Snapshot& snapshot)

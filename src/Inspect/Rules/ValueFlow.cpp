@@ -3,6 +3,8 @@
 
 #include "Rules/ValueFlow.h"
 
+#include "Model/Step.h"
+
 namespace Kestrin {
 namespace Orv {
 namespace Inspect {
@@ -53,21 +55,11 @@ bool ValueFlow::carriesValue(const PortRef& port) const
     return from.found ? snapshot.isLivePass(from.at.node) : from.at.node == 0;
 }
 
-/// One step of a walk; false if there is none.
-bool ValueFlow::step(PortRef& port) const
-{
-    const PortRef feeder = snapshot.feeder(port);
-    if (feeder.node < 0 || feeder.isOutput != port.isOutput)
-        return false;
-    port = feeder;
-    return true;
-}
-
 /// A walk as the graph takes it: of no more steps than there are nodes.
 ValueFlow::End ValueFlow::walk(PortRef port) const
 {
     int steps = 0;
-    while (steps < snapshot.nodes.size() && step(port))
+    while (steps < snapshot.nodes.size() && stepOnSameSide(snapshot, port))
         ++steps;
     return {port, steps};
 }
@@ -86,7 +78,7 @@ void ValueFlow::follow(PortRef port, Table<State>& states)
     while (number >= 0 && at(states, number) == Unknown) {
         at(states, number) = OnTheWay;
         way.push_back(port);
-        if (!step(port)) {
+        if (!stepOnSameSide(snapshot, port)) {
             number = -1;
             break;
         }

@@ -69,7 +69,6 @@ private:
     void settleApproach(const Approach& last, Table<State>& states);
     void setEnd(const PortRef& port, const End& end, Table<State>& states);
     End walk(PortRef port) const;
-    bool step(PortRef& port) const;
 
     const Snapshot& snapshot;
     PortNumbers numbers;

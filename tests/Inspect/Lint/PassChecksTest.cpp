@@ -106,9 +106,10 @@ TEST(LintPasses, ATargetThatIsAGroupDoesNotNeedThePassesInside)
     const int g = host.group("G", "", "");
     host.pass("P", "", "", g);
     host.renderer.setTarget(g);
-    EXPECT_EQ(linted(host),
-              "unneeded-pass: G/P never runs: a target that is a group asks for what feeds the "
-              "group, not for what lies inside it.\n");
+    EXPECT_EQ(
+        linted(host),
+        "unneeded-pass: G/P never runs: the target is a group, and the renderer runs the passes "
+        "that feed it, not the passes inside it.\n");
 }
 
 TEST(LintPasses, TwoNodesWithOnePassAreReported)

@@ -15,7 +15,7 @@ TEST(LintUserCounts, ReadersBeyondTheEdgesOfThePassGoUncounted)
     EXPECT_EQ(linted(host), "");
     host.reader("S");
     EXPECT_EQ(linted(host),
-              "uncounted-users: G/P.p has 2 users, of whom the renderer counts 1; not counted: "
+              "uncounted-users: G/P.p has 2 users, but the renderer counts 1; not counted: "
               "S.in.\n");
     EXPECT_EQ(lint(host.snapshot()).first().port, (PortRef{host.p, 0, true}));
 }
@@ -26,7 +26,7 @@ TEST(LintUserCounts, OfManyUncountedReadersThreeAreNamed)
     for (const char* name : {"R", "S", "T", "U", "V", "W"})
         host.reader(name);
     EXPECT_EQ(linted(host),
-              "uncounted-users: G/P.p has 6 users, of whom the renderer counts 1; not counted: "
+              "uncounted-users: G/P.p has 6 users, but the renderer counts 1; not counted: "
               "S.in, T.in, U.in, 2 more.\n");
 }
 
@@ -44,7 +44,7 @@ TEST(LintUserCounts, AReaderTwoGroupsAwayGoesUncounted)
     outer.link(o, "o", r, "in");
     outer.up("Picture", r, "out");
     EXPECT_EQ(linted(outer),
-              "uncounted-users: O/G/P.p has 1 user, of whom the renderer counts 0; not counted: "
+              "uncounted-users: O/G/P.p has 1 user, but the renderer counts 0; not counted: "
               "R.in.\n");
 
     // Into two groups.
@@ -58,7 +58,7 @@ TEST(LintUserCounts, AReaderTwoGroupsAwayGoesUncounted)
     inner.down("in", q, "in");
     inner.renderer.setTarget(q);
     EXPECT_EQ(linted(inner),
-              "uncounted-users: A.a has 1 user, of whom the renderer counts 0; not counted: "
+              "uncounted-users: A.a has 1 user, but the renderer counts 0; not counted: "
               "I/J/Q.in.\n");
 }
 
@@ -71,7 +71,7 @@ TEST(LintUserCounts, AReaderInAnotherGroupGoesUncounted)
     host.down("in", q, "in");
     host.renderer.setTarget(q);
     EXPECT_EQ(linted(host),
-              "uncounted-users: G/P.p has 1 user, of whom the renderer counts 0; not counted: "
+              "uncounted-users: G/P.p has 1 user, but the renderer counts 0; not counted: "
               "H/Q.in.\n");
 }
 
@@ -82,7 +82,7 @@ TEST(LintUserCounts, AnOutputOfTheRendererIsAUserToo)
     const int index = host.output("Raw");
     host.graph.addUpEdge(index, host.g, 0);
     EXPECT_EQ(linted(host),
-              "uncounted-users: G/P.p has 2 users, of whom the renderer counts 1; not counted: "
+              "uncounted-users: G/P.p has 2 users, but the renderer counts 1; not counted: "
               "Raw.\n");
 }
 

@@ -25,7 +25,8 @@ namespace Inspect {
 /// The node that a pass is made for.
 struct PassRequest
 {
-    const NodeRecord& node; ///< its record in the document; valid during the call
+    const NodeRecord& node; ///< its record, with the refs of the renderer and without edges;
+                            ///< valid during the call
     int ref;                ///< the ref of the node in the renderer
     QString path;           ///< its path, as Paths writes it
 };

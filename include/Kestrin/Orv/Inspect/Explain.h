@@ -122,7 +122,7 @@ public:
     InputExplanation input(int node, int index) const;
     /// Whether the graph would accept a new edge, and if not, why not. The kind of the edge follows
     /// from the nodes: siblings, a group and its child, or a child and its group. Takes the time of
-    /// Graph::precedes().
+    /// Graph::precedes(), and at least time linear in the number of nodes.
     EdgeExplanation edge(const PortRef& from, const PortRef& to) const;
 
     /// Why a node runs or does not, as text.

@@ -35,7 +35,8 @@ ORV_INSPECT_EXPORT QVector<LintCode> lintCodes();
 
 /// Checks a snapshot for everything that lintCodes() lists. Findings come in the order of the node
 /// table. Findings about one node come in this order: the node itself, its inputs, its outputs, the
-/// edges that enter it. Linear in the size of the snapshot and in the length of the texts.
+/// edges that enter it. Linear in the size of the snapshot and in the length of the texts;
+/// where the parents of nodes form a cycle, up to the number of nodes times that.
 ORV_INSPECT_EXPORT QVector<Finding> lint(const Snapshot& snapshot);
 
 } // namespace Inspect

@@ -26,7 +26,8 @@ struct Schedule
     QVector<QVector<int>> users;
 };
 
-/// Predicts the execution order and the user counts. Linear in the size of the snapshot.
+/// Predicts the execution order and the user counts. Linear in the size of the snapshot;
+/// where the parents of nodes form a cycle, up to the number of nodes times that.
 ORV_INSPECT_EXPORT Schedule predictSchedule(const Snapshot& snapshot);
 
 } // namespace Inspect
