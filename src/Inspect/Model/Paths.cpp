@@ -91,7 +91,7 @@ PathSegment parsePathSegment(const QString& text)
     return segment;
 }
 
-struct Paths::Impl
+struct Q_DECL_HIDDEN Paths::Impl
 {
     explicit Impl(const Snapshot& shown);
 

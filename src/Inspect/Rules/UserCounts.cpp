@@ -13,7 +13,7 @@ namespace Kestrin {
 namespace Orv {
 namespace Inspect {
 
-struct UserCounts::Impl
+struct Q_DECL_HIDDEN UserCounts::Impl
 {
     Impl(const Snapshot& shown, Schedule predicted);
 
