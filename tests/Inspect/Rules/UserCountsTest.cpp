@@ -106,6 +106,25 @@ TEST_F(UserCountsTest, LooksIntoAGroupButNotIntoTheGroupsInIt)
     EXPECT_EQ(readersOf(first).toStdString(), "OfGroup");
 }
 
+TEST_F(UserCountsTest, DoesNotLookIntoAGroupThatListsNoChildren)
+{
+    Graph& graph = *renderer.getGraph();
+    const int group = renderer.addGroup(QStringLiteral("G"), 1, 0, Graph::kRootNodeRef);
+    const int reader = addPass("Reader", group, 1, 0);
+    const int maker = addPass("Maker", Graph::kRootNodeRef, 0, 1);
+    graph.addEdge(maker, 0, group, 0);
+    graph.addDownEdge(0, reader, 0);
+    renderer.setTarget(reader);
+    Snapshot snapshot = Snapshot::of(renderer);
+    EXPECT_TRUE(UserCounts(snapshot).readers(maker, 0).value(0).counted);
+    EXPECT_EQ(UserCounts(snapshot).count(maker, 0), 1);
+    snapshot.nodes[group].children.clear();
+    const UserCounts users(snapshot);
+    ASSERT_EQ(users.readers(maker, 0).size(), 1);
+    EXPECT_FALSE(users.readers(maker, 0).first().counted);
+    EXPECT_EQ(users.count(maker, 0), 0);
+}
+
 TEST_F(UserCountsTest, HasNoReadersOfAPassThatDoesNotRun)
 {
     EXPECT_EQ(readersOf(beside).toStdString(), "");
